@@ -1,0 +1,165 @@
+#include "engine/clsCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+#include "engine/clsCommandList.h"
+#include "engine/loaded_script.h"
+#include "engine/modCommand.h"
+#include "engine/text_utilities.h"
+#include "platform/automation_error.h"
+#include "platform/value_rules.h"
+
+namespace corvane {
+
+/// The parameters while they are bound: what the type test and its messages need to know of each.
+struct clsCommand::Binding {
+    std::array<std::uint32_t, maximumParameters> slots;
+    std::array<std::int32_t, maximumParameters> actualTypes;
+    std::array<std::u16string_view, maximumParameters> tokens;
+};
+
+clsCommand::clsCommand(clsCommandList& owner) : script_(&owner.script()), line_(owner.currentLine()) {}
+
+clsCommandList& clsCommand::engine() const { return script_->engine; }
+
+void clsCommand::refuseSlot(std::int32_t slot) {
+    const bool exists = slot >= 0 && slot < maximumParameters;
+    throw automation_error(exists ? ErrorNumber::ObjectNotSet : ErrorNumber::SubscriptOutOfRange);
+}
+
+bool clsCommand::ProcessKeyword(std::u16string_view tLineStr) {
+    std::u16string_view rest = tLineStr;
+    const std::u16string_view keyword = SplitAtOpenBracket(rest);
+    // The catalogue finds its first record without a name for an empty keyword; no statement has such a kind.
+    const std::int32_t kind = keyword.empty() ? ctUnknown : FunctionTypeFromName(keyword);
+    if (kind == ctUnknown) return false;
+    kind_ = static_cast<std::uint8_t>(kind);
+    return ProcessParameterList(rest);
+}
+
+bool clsCommand::ProcessParameterList(std::u16string_view afterKeyword) {
+    return SetParameters(SplitAtCloseBracket(afterKeyword));
+}
+
+bool clsCommand::SetParameters(std::u16string_view tParamList) {
+    const FunctionDefinition& definition = functionDefinition(kind_);
+    Binding binding;
+    std::int32_t count = 0;
+    std::u16string_view rest = tParamList;
+    while (!rest.empty()) {
+        const std::u16string_view token = NextParameter(rest);
+        std::int32_t actualType = 0;
+        const clsData item = bindParameter(token, actualType);
+        if (count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
+        const auto slot = static_cast<std::size_t>(count++);
+        binding.slots[slot] = item.position();
+        binding.actualTypes[slot] = actualType;
+        binding.tokens[slot] = token;
+        if (count > definition.ParamCount) break;
+    }
+    std::uint32_t* slots = script_->slots.allocate(static_cast<std::size_t>(count));
+    std::copy_n(binding.slots.begin(), count, slots);
+    slots_ = slots;
+    boundCount_ = static_cast<std::uint8_t>(count);
+
+    bool fits = false;
+    if (count != definition.ParamCount) {
+        const bool tooMany = count > definition.ParamCount && count > 0;
+        const std::u16string_view surplus =
+            tooMany ? binding.tokens[static_cast<std::size_t>(count - 1)] : std::u16string_view();
+        engine().SyntaxError(
+            std::u16string(definition.Name) + u" requires " + decimal(definition.ParamCount) + u" parameters", surplus);
+    } else {
+        fits = CheckParameterTypes(binding);
+    }
+    TraceSink* const sink = engine().traceSink();
+    if (sink != nullptr && (debugOptions() & doParsing) != 0) DebugPrintParamList(*sink, engine().locale());
+    return fits;
+}
+
+clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actualType) {
+    clsDataList& memory = script_->dataMemory;
+    if (IsQuotedString(token)) {
+        actualType = ptConstant | ptString;
+        return memory.AddItem({}, actualType, Value::ofText(StripQuotes(token)));
+    }
+    if (const std::optional<float> number = plainNumber(token, engine().locale())) {
+        actualType = ptConstant | ptNumber;
+        return memory.AddItem({}, actualType, Value::ofSingle(*number));
+    }
+    std::u16string name(token);
+    if (IsNumericText(name, engine().locale())) {
+        actualType = ptConstant | ptNumber;
+        return CreateLiteralItem(name);
+    }
+    std::int32_t position = 0;
+    if (memory.FindItem(name, position)) {
+        const clsData item = memory.Item(position);
+        actualType = item.ParameterType();
+        return item;
+    }
+    actualType = ptUndeclared;
+    const clsData reference = memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
+    engine().noteForwardReference(reference, token);
+    return reference;
+}
+
+// A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
+// compares stored numbers with the literal's text, and a number never equals a text.
+clsData clsCommand::CreateLiteralItem(std::u16string_view token) const {
+    clsData literal = script_->dataMemory.AddItem({}, ptConstant | ptNumber, Value());
+    literal.setInitialValue(Value::ofSingle(toSingle(Value::ofText(token), engine().locale())));
+    return literal;
+}
+
+bool clsCommand::CheckParameterTypes(const Binding& binding) const {
+    const FunctionDefinition& definition = functionDefinition(kind_);
+    for (std::int32_t i = 0; i < definition.ParamCount; ++i) {
+        const auto slot = static_cast<std::size_t>(i);
+        const std::int32_t actual = binding.actualTypes[slot];
+        const std::int32_t allowed = definition.Params[slot].ParamType;
+        if (actual == ptUndeclared) {
+            if (allowed == ptLabel) continue;
+            engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
+            return false;
+        }
+        if ((actual & allowed) == actual) continue;
+        engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), binding.tokens[slot]);
+        return false;
+    }
+    return true;
+}
+
+void clsCommand::DebugPrintParamList(TraceSink& sink, const NumberLocale& locale) const {
+    for (std::int32_t i = 0; i < boundCount_; ++i) {
+        const clsData item = ParamPtr(i);
+        std::u16string line;
+        if (item.Identifier().empty())
+            line.append(u"            Data: ").append(toText(item.InitialValue(), locale).view());
+        else
+            line.append(u"      Identifier: ").append(item.Identifier());
+        sink.trace(doParsing, line);
+    }
+}
+
+void clsCommand::DisplayInListItem(TableView& view, const NumberLocale& locale) const {
+    constexpr int firstColumn = 2;
+    for (int i = 0; i < maximumParameters; ++i) view.setSubItem(firstColumn + i, u" ");
+    for (std::int32_t i = 0; i < boundCount_; ++i) {
+        const clsData item = ParamPtr(i);
+        if (item.ParameterType() == ptLabel) {
+            std::u16string text(toText(item.InitialValue(), locale).view());
+            text.append(u" - (Label ").append(item.Identifier()).append(u")");
+            view.setSubItem(firstColumn + i, text);
+        } else if (item.Identifier().empty()) {
+            view.setSubItem(firstColumn + i, toText(item.InitialValue(), locale).view());
+        } else {
+            view.setSubItem(firstColumn + i, item.Identifier());
+        }
+    }
+}
+
+}  // namespace corvane

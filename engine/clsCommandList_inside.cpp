@@ -1,0 +1,249 @@
+// The statements that the engine carries out itself: flow control, comparisons, values, questions and messages.
+
+#include "engine/clsCommandList.h"
+#include "platform/automation_error.h"
+#include "platform/value_rules.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::u16string_view messageCaption = u"Corvane";
+
+}  // namespace
+
+Text clsCommandList::textOf(const StatementStep& step, std::int32_t parameter) const {
+    return toText(step.command.ParamValue(parameter), locale());
+}
+
+float clsCommandList::singleOf(const StatementStep& step, std::int32_t parameter) const {
+    return toSingle(step.command.ParamValue(parameter), locale());
+}
+
+std::int32_t clsCommandList::longOf(const StatementStep& step, std::int32_t parameter) const {
+    return toLong(step.command.ParamValue(parameter), locale());
+}
+
+// Flow control
+
+std::int32_t clsCommandList::jump(StatementStep& step, std::int32_t parameter) const {
+    step.address = longOf(step, parameter);
+    return crJump;
+}
+
+std::int32_t clsCommandList::executeGoto(StatementStep& step) { return jump(step, 0); }
+
+std::int32_t clsCommandList::executeCall(StatementStep& step) {
+    step.address = longOf(step, 0);
+    return crCall;
+}
+
+std::int32_t clsCommandList::executeReturn(StatementStep&) { return crReturn; }
+
+std::int32_t clsCommandList::executeIfNotFinishLoopFlag(StatementStep& step) {
+    // Kept: the flag is asked of the statement collection, which has no such member.
+    if (!options_.designedMemberAccess) throw automation_error(ErrorNumber::MemberNotFound);
+    if (EnvFinishLoopFlag()) {
+        setEnvFinishLoopFlag(false);
+        return crNext;
+    }
+    Event required(HostEvent::RequiredFinishLoopFlag);
+    required.append(Value::ofText(textOf(step, 0)));
+    required.append(Value::ofBoolean(false));
+    owner_.raise(required);
+    step.address = longOf(step, 1);
+    return required.succeeded() ? crJump : crFailed;
+}
+
+// Comparisons
+
+std::int32_t clsCommandList::jumpIf(bool holds, StatementStep& step) const { return holds ? jump(step, 2) : crNext; }
+
+std::int32_t clsCommandList::executeIfGreaterThan(StatementStep& step) {
+    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) > 0, step);
+}
+
+std::int32_t clsCommandList::executeIfLessThan(StatementStep& step) {
+    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) < 0, step);
+}
+
+std::int32_t clsCommandList::executeIfNotEqual(StatementStep& step) {
+    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) != 0, step);
+}
+
+std::int32_t clsCommandList::executeIfEqual(StatementStep& step) {
+    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) == 0, step);
+}
+
+// Values
+
+std::int32_t clsCommandList::executeSet(StatementStep& step) {
+    step.command.setParamValue(0, step.command.ParamValue(1));
+    return crNext;
+}
+
+std::int32_t clsCommandList::executeDecrement(StatementStep& step) {
+    step.command.setParamValue(0, subtract(step.command.ParamValue(0), Value::ofInteger(1), locale()));
+    return crNext;
+}
+
+std::int32_t clsCommandList::executeIncrement(StatementStep& step) {
+    step.command.setParamValue(0, add(step.command.ParamValue(0), Value::ofInteger(1), locale()));
+    return crNext;
+}
+
+std::int32_t clsCommandList::executeMathsFunction(StatementStep& step) {
+    constexpr std::size_t returnArgument = 5;
+    Event maths(HostEvent::MathsFunction);
+    maths.append(Value::ofText(textOf(step, 0)));
+    for (std::int32_t parameter = 2; parameter <= 5; ++parameter)
+        maths.append(Value::ofSingle(singleOf(step, parameter)));
+    maths.append(Value::ofSingle(0));
+    maths.append(Value::ofBoolean(false));
+    owner_.raise(maths);
+    if (!maths.succeeded()) return crFailed;
+    step.command.setParamValue(1, maths.argument(returnArgument));
+    return crNext;
+}
+
+std::int32_t clsCommandList::executeConCatString(StatementStep& step) {
+    const Text left = textOf(step, 1);
+    const Text right = textOf(step, 2);
+    step.command.setParamValue(0, Value::ofText(Text::join(left.view(), right.view())));
+    return crNext;
+}
+
+// Input
+
+std::int32_t clsCommandList::executeInputNumber(StatementStep& step) {
+    constexpr std::size_t executeArgument = 4;
+    Event input(HostEvent::InputNumber);
+    input.append(Value::ofText(textOf(step, 0)));
+    input.append(Value::ofSingle(singleOf(step, 2)));
+    input.append(Value::ofSingle(singleOf(step, 3)));
+    input.append(Value::ofSingle(singleOf(step, 1)));
+    input.append(Value::ofBoolean(step.execute));
+    input.append(Value::ofBoolean(false));
+    owner_.raise(input);
+    if (input.argument(executeArgument).boolean()) return askOperator(step, InputKind::SingleNumber);
+    // Kept: the value that the host answers with is not stored; a host stores it through the facade.
+    return input.succeeded() ? crNext : crFailed;
+}
+
+std::int32_t clsCommandList::executeInputString(StatementStep& step) {
+    constexpr std::size_t valueArgument = 2;
+    constexpr std::size_t executeArgument = 3;
+    bool execute = step.execute;
+    const auto raiseInput = [&](Event& input) {
+        input.append(Value::ofText(textOf(step, 0)));
+        input.append(Value::ofLong(longOf(step, 2)));
+        input.append(Value::ofText(textOf(step, 1)));
+        input.append(Value::ofBoolean(execute));
+        input.append(Value::ofBoolean(false));
+        owner_.raise(input);
+        execute = input.argument(executeArgument).boolean();
+    };
+    // Kept: raised twice; only what the host writes into the second event is stored.
+    Event first(HostEvent::InputString);
+    raiseInput(first);
+    if (!execute) return crNext;
+    Event second(HostEvent::InputString);
+    raiseInput(second);
+    if (execute) return askOperator(step, InputKind::String);
+    step.command.setParamValue(1, second.argument(valueArgument));
+    return crNext;
+}
+
+std::int32_t clsCommandList::askOperator(const StatementStep& step, InputKind kind) {
+    for (;;) {
+        const Text question = textOf(step, 0);
+        InputRequest request;
+        request.initialValue = step.command.ParamValue(1);
+        request.kind = kind;
+        request.question = question.view();
+        if (kind == InputKind::String) {
+            request.maximum = singleOf(step, 2);
+            request.title = u"Enter String";
+        } else {
+            request.minimum = singleOf(step, 2);
+            request.maximum = singleOf(step, 3);
+            request.title = u"Enter Number";
+        }
+        InputAnswer answer = services_.dialogs.askInput(request);
+        step.command.setParamValue(1, std::move(answer.value));
+        if (answer.ending == InputAnswer::Ending::Accepted) return crNext;
+        if (answer.ending == InputAnswer::Ending::Unavailable || confirmCancel()) return crFailed;
+    }
+}
+
+// Whether the operator means it. Where nobody can be asked the cancel stands: asking again would never end.
+bool clsCommandList::confirmCancel() {
+    const std::optional<std::int32_t> answer =
+        services_.dialogs.showMessage({.text = u"Are you sure you want to cancel the Script?",
+                                       .caption = {},
+                                       .style = yesNoQuestionStyle,
+                                       .helpFile = {}});
+    return answer.value_or(yesAnswer) == yesAnswer;
+}
+
+// Messages
+
+std::int32_t clsCommandList::executeInfo(StatementStep& step) {
+    Event info(HostEvent::Info);
+    info.append(Value::ofText(textOf(step, 0)));
+    info.append(Value::ofBoolean(false));
+    owner_.raise(info);
+    return info.succeeded() ? crNext : crFailed;
+}
+
+std::int32_t clsCommandList::executeMsgAsk(StatementStep& step) {
+    constexpr std::size_t executeArgument = 2;
+    Event ask(HostEvent::MsgAsk);
+    ask.append(Value::ofText(textOf(step, 0)));
+    ask.append(Value::ofLong(0));
+    ask.append(Value::ofBoolean(step.execute));
+    ask.append(Value::ofBoolean(false));
+    owner_.raise(ask);
+    // Kept: a host that asks the operator itself cannot make the script jump.
+    if (!ask.argument(executeArgument).boolean()) return crNext;
+    const Text question = textOf(step, 0);
+    const std::optional<std::int32_t> answer = services_.dialogs.showMessage(
+        {.text = question.view(), .caption = messageCaption, .style = yesNoQuestionStyle, .helpFile = {}});
+    return answer == yesAnswer ? jump(step, 1) : crNext;
+}
+
+std::int32_t clsCommandList::executeMsgInfo(StatementStep& step) {
+    constexpr std::size_t executeArgument = 1;
+    if (!step.execute) return crNext;
+    Event message(HostEvent::MsgInfo);
+    message.append(Value::ofText(textOf(step, 0)));
+    message.append(Value::ofBoolean(step.execute));
+    message.append(Value::ofBoolean(false));
+    owner_.raise(message);
+    if (message.argument(executeArgument).boolean()) {
+        const Text text = textOf(step, 0);
+        services_.dialogs.showMessage(
+            {.text = text.view(), .caption = messageCaption, .style = okInformationStyle, .helpFile = {}});
+    }
+    return crNext;
+}
+
+std::int32_t clsCommandList::executeMsgInfoEx(StatementStep& step) {
+    constexpr std::size_t executeArgument = 2;
+    if (!step.execute) return crNext;
+    Event message(HostEvent::MsgInfoEx);
+    message.append(Value::ofText(textOf(step, 0)));
+    message.append(Value::ofLong(longOf(step, 1)));
+    message.append(Value::ofBoolean(step.execute));
+    message.append(Value::ofBoolean(false));
+    owner_.raise(message);
+    if (message.argument(executeArgument).boolean()) {
+        const Text text = textOf(step, 0);
+        // Kept: the sound number stands where the style belongs, the style where the caption, the caption where the
+        // help file.
+        services_.dialogs.showMessage(
+            {.text = text.view(), .caption = u"64", .style = longOf(step, 1), .helpFile = messageCaption});
+    }
+    return crNext;
+}
+
+}  // namespace corvane

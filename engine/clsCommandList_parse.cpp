@@ -1,0 +1,361 @@
+// From text to statements: lines are cut and classified here, one handler for each kind of line; statement lines go on
+// to clsCommand. The doors are CreateCommandList and CheckCommandList, which differ only in what becomes of a fault.
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+#include "engine/clsCommandList.h"
+#include "engine/modCommand.h"
+#include "engine/text_utilities.h"
+#include "platform/automation_error.h"
+#include "platform/utf8.h"
+#include "platform/value_rules.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::u16string_view variableKeyword = u"VAR ";
+constexpr std::u16string_view constantKeyword = u"CONST ";
+constexpr std::u16string_view environmentKeyword = u"ENV ";
+constexpr std::u16string_view finishLoopFlagName = u"FINISH_LOOP_FLAG";
+
+constexpr std::int32_t labelOrForwardReference = ptLabel | ptUndeclared;
+constexpr std::int32_t numericConstant = ptConstant | ptNumber;
+constexpr std::int32_t stringConstant = ptConstant | ptString;
+
+/// Cuts the next line off `rest`. CR, LF and CR LF end a line; LF CR therefore ends two. The text after the last line
+/// end is a line too, so false comes only when that one has been taken; an empty text has no lines at all.
+class LineReader {
+public:
+    explicit LineReader(std::u16string_view text) : rest_(text), atEnd_(text.empty()) {}
+
+    bool next(std::u16string_view& line) {
+        if (atEnd_) return false;
+        std::size_t end = 0;
+        while (end < rest_.size() && rest_[end] != u'\r' && rest_[end] != u'\n') ++end;
+        line = rest_.substr(0, end);
+        atEnd_ = end == rest_.size();
+        if (atEnd_) return true;
+        const bool pair = rest_[end] == u'\r' && end + 1 < rest_.size() && rest_[end + 1] == u'\n';
+        rest_.remove_prefix(end + (pair ? 2 : 1));
+        return true;
+    }
+
+private:
+    std::u16string_view rest_;
+    bool atEnd_;
+};
+
+std::int32_t countLines(std::u16string_view text) {
+    std::int32_t lines = 0;
+    LineReader reader(text);
+    for (std::u16string_view line; reader.next(line);) ++lines;
+    return lines;
+}
+
+struct Declaration {
+    std::u16string_view name;
+    std::u16string_view value;
+};
+
+Declaration splitDeclaration(std::u16string_view line, std::u16string_view keyword) {
+    std::u16string_view rest = TrimBlanksAndTabs(line.substr(keyword.size()));
+    const std::u16string_view name = TrimBlanksAndTabs(SplitAtEquals(rest));
+    return {name, TrimBlanksAndTabs(rest)};
+}
+
+/// The number that a declaration's value is, or none when it is a string.
+std::optional<float> declaredNumber(std::u16string_view value, const NumberLocale& locale) {
+    if (const std::optional<float> number = plainNumber(value, locale)) return number;
+    std::u16string text(value);
+    if (!IsNumericText(text, locale)) return std::nullopt;
+    return toSingle(Value::ofText(text), locale);
+}
+
+}  // namespace
+
+/// A load that looks for every fault instead of stopping at the first.
+struct clsCommandList::Check {
+    struct ForwardReference {
+        std::uint32_t item;
+        std::int32_t line;
+        std::int32_t column;
+    };
+
+    FaultListener& listener;
+    std::u16string_view line;  // the present one, untrimmed
+    std::int32_t lineNumber = 0;
+    std::int32_t faultsOnLine = 0;
+    bool rejected = false;
+    std::vector<ForwardReference> forwardReferences;
+
+    explicit Check(FaultListener& faults) : listener(faults) {}
+
+    void startLine(std::int32_t number, std::u16string_view text) {
+        lineNumber = number;
+        line = text;
+        faultsOnLine = 0;
+    }
+    /// Where a stretch of the present line begins; the line's first mark when it is no part of the line.
+    std::int32_t columnOf(std::u16string_view where) const {
+        const bool within = where.data() >= line.data() && where.data() <= line.data() + line.size();
+        if (where.data() != nullptr && within) return static_cast<std::int32_t>(where.data() - line.data());
+        return static_cast<std::int32_t>(std::min(line.find_first_not_of(u" \t"), line.size()));
+    }
+    void report(std::u16string_view message, std::u16string_view where, bool rejects = true) {
+        ++faultsOnLine;
+        rejected = rejected || rejects;
+        listener.fault({lineNumber, columnOf(where), message, rejects});
+    }
+    void reportUndefinedLabel(const ForwardReference& reference, std::u16string_view message) {
+        rejected = true;
+        listener.fault({reference.line, reference.column, message, true});
+    }
+};
+
+bool clsCommandList::CreateCommandList(std::u16string_view tScriptString) { return load(tScriptString, nullptr); }
+
+bool clsCommandList::CheckCommandList(std::u16string_view tScriptString, FaultListener& faults) {
+    Check check(faults);
+    return load(tScriptString, &check) && !check.rejected;
+}
+
+bool clsCommandList::load(std::u16string_view text, Check* check) {
+    if (loading_)
+        throw automation_error(ErrorNumber::InvalidProcedureCall,
+                               "A script is being loaded; another load cannot begin");
+    struct LoadGuard {
+        clsCommandList& engine;
+        LoadGuard(clsCommandList& list, Check* check) : engine(list) {
+            engine.loading_ = true;
+            engine.check_ = check;
+        }
+        ~LoadGuard() {
+            engine.loading_ = false;
+            engine.check_ = nullptr;
+        }
+    } guard(*this, check);
+
+    userLocale_.reset();
+    if (traceSink_ != nullptr)
+        traceSink_->trace(doParsing, u"Creating command list from " + decimal(countLines(text)) + u" lines");
+    currentLine_ = 0;
+    syntaxErrorCount_ = 0;
+    discardScript();
+    clsDataList& memory = script_->dataMemory;
+    finishLoopItem_ = memory.AddItem(finishLoopFlagName, ptEnvironment, Value::ofInteger(0)).position();
+
+    bool trapped = false;
+    bool accepted = false;
+    try {
+        accepted = parseLines(text);
+    } catch (const automation_error&) {
+        trapped = true;
+    } catch (const std::bad_alloc&) {
+        trapped = true;
+    }
+    if (trapped) return false;
+    if (accepted) accepted = resolveLabels();
+    if (traceSink_ != nullptr && (debugOptions() & doTables) != 0) memory.DebugPrint(*traceSink_, locale());
+    return accepted;
+}
+
+void clsCommandList::discardScript() {
+    if (scriptUses_ != 0) replacedScripts_.reserve(replacedScripts_.size() + 1);
+    auto script = std::make_unique<LoadedScript>(*this, listener_);
+    script.swap(script_);
+    finishLoopItem_.reset();
+    if (scriptUses_ != 0) replacedScripts_.push_back(std::move(script));
+}
+
+bool clsCommandList::parseLines(std::u16string_view text) {
+    LineReader reader(text);
+    for (std::u16string_view line; reader.next(line); ++currentLine_) {
+        if (check_ != nullptr) {
+            check_->startLine(currentLine_, line);
+            checkLine(TrimBlanksAndTabs(line));
+        } else if (!parseLine(TrimBlanksAndTabs(line))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A fault of one line must not hide those of the next, whatever its kind.
+void clsCommandList::checkLine(std::u16string_view line) {
+    try {
+        parseLine(line);
+    } catch (const automation_error& error) {
+        check_->report(fromUtf8(error.what()), {});
+    }
+}
+
+bool clsCommandList::parseLine(std::u16string_view line) {
+    if (line.empty()) {
+        if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"File Line: " + decimal(currentLine_) + u":   Blank");
+        return true;
+    }
+    if (line.front() == u';') {
+        traceLine(u"Comment", line);
+        return true;
+    }
+    traceLine(u"Script", line);
+    if (parseScriptLine(line)) return true;
+    // In a check a line that has said what is wrong with it needs no second message.
+    if (check_ == nullptr || check_->faultsOnLine == 0)
+        SyntaxError(std::u16string(u"Invalid input:\r\n\r\n'").append(line).append(u"'"), line);
+    return false;
+}
+
+bool clsCommandList::parseScriptLine(std::u16string_view line) {
+    if (line.ends_with(u':')) return parseLabel(line);
+    if (line.starts_with(variableKeyword)) return parseVariable(line);
+    if (line.starts_with(constantKeyword)) return parseConstant(line);
+    if (line.starts_with(environmentKeyword)) return parseEnvironmentVariable(line);
+    return parseStatement(line);
+}
+
+bool clsCommandList::parseLabel(std::u16string_view line) {
+    traceKind(u"   o Line is a Label");
+    const std::u16string_view name = line.substr(0, line.size() - 1);
+    const Value address = Value::ofLong(commandCount());
+    clsDataList& memory = DataMemory();
+    std::int32_t position = 0;
+    if (!memory.FindItem(name, position, labelOrForwardReference)) {
+        memory.AddItem(name, ptLabel, address);
+        return true;
+    }
+    clsData item = memory.Item(position);
+    if (item.ParameterType() != ptUndeclared) {
+        reportDuplicateLabel(name);
+        return true;
+    }
+    item.setParameterType(ptLabel);
+    item.setInitialValue(address);
+    return true;
+}
+
+void clsCommandList::reportDuplicateLabel(std::u16string_view name) {
+    const std::u16string message = std::u16string(u"Duplicate Lable Defined: ").append(name);
+    if (check_ == nullptr) {
+        SyntaxError(message, name);
+        return;
+    }
+    ++syntaxErrorCount_;
+    check_->report(message, name, false);
+}
+
+bool clsCommandList::parseVariable(std::u16string_view line) {
+    traceKind(u"   o Line is a Variable");
+    const auto [name, value] = splitDeclaration(line, variableKeyword);
+    clsData item = DataMemory().AddItem(name, ptNumber, Value::ofInteger(0));
+    if (!value.empty()) {
+        if (const std::optional<float> number = declaredNumber(value, locale())) {
+            item.setInitialValue(Value::ofSingle(*number));
+        } else {
+            item.setInitialValue(Value::ofText(StripQuotes(value)));
+            item.setParameterType(ptString);
+        }
+    }
+    raiseDeclaration(HostEvent::VariableAdded, name, item.InitialValue());
+    return true;
+}
+
+bool clsCommandList::parseConstant(std::u16string_view line) {
+    traceKind(u"   o Line is a Constant");
+    const auto [name, value] = splitDeclaration(line, constantKeyword);
+    clsData item = DataMemory().AddItem(name, value.empty() ? ptUndeclared : numericConstant, Value::ofInteger(0));
+    if (!value.empty()) {
+        if (const std::optional<float> number = declaredNumber(value, locale())) {
+            item.setInitialValue(Value::ofSingle(*number));
+        } else {
+            item.setInitialValue(Value::ofText(StripQuotes(value)));
+            item.setParameterType(stringConstant);
+        }
+    }
+    // Kept: raised for a constant without a value as well, before the load stops.
+    raiseDeclaration(HostEvent::ConstantAdded, name, item.InitialValue());
+    return !value.empty();
+}
+
+bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
+    traceKind(u"   o Line is a Constant");  // Kept: the text of constants
+    const auto [name, value] = splitDeclaration(line, environmentKeyword);
+    clsDataList& memory = DataMemory();
+    const Value text = Value::ofText(value);
+    std::int32_t position = 0;
+    if (memory.FindItem(name, position, ptEnvironment))
+        memory.Item(position).setInitialValue(text);
+    else
+        memory.AddItem(name, ptEnvironment, text);
+    raiseDeclaration(HostEvent::EnvironmentVariableAdded, name, text);
+    return true;
+}
+
+bool clsCommandList::parseStatement(std::u16string_view line) {
+    traceKind(u"   o Line is a Keyword");
+    clsCommand command(*this);
+    if (!command.ProcessKeyword(line)) return false;
+    script_->statements.emplaceBack(command);
+    return true;
+}
+
+bool clsCommandList::resolveLabels() {
+    clsDataList& memory = DataMemory();
+    if (memory.undeclaredCount() == 0) return true;
+    const auto message = [](const clsData& item) {
+        return std::u16string(u"Undefined Label: ").append(item.Identifier());
+    };
+    if (check_ != nullptr) {
+        for (const Check::ForwardReference& reference : check_->forwardReferences) {
+            const clsData item = memory.at(reference.item);
+            if (item.ParameterType() == ptUndeclared) check_->reportUndefinedLabel(reference, message(item));
+        }
+        return !check_->rejected;
+    }
+    for (std::int32_t i = 0; i < memory.Count(); ++i) {
+        const clsData item = memory.Item(i);
+        if (item.ParameterType() != ptUndeclared) continue;
+        SyntaxError(message(item));
+        return false;
+    }
+    return true;
+}
+
+void clsCommandList::SyntaxError(std::u16string_view tMsg, std::u16string_view where) {
+    ++syntaxErrorCount_;
+    if (check_ != nullptr) {
+        check_->report(tMsg, where);
+        return;
+    }
+    if (syntaxErrorCount_ != 1) return;
+    const std::u16string title = u"Syntax Error on Line " + decimal(currentLine_);
+    services_.dialogs.showMessage({.text = tMsg, .caption = title, .style = okExclamationStyle, .helpFile = {}});
+}
+
+void clsCommandList::noteForwardReference(const clsData& item, std::u16string_view where) {
+    if (check_ != nullptr)
+        check_->forwardReferences.push_back({item.position(), currentLine_, check_->columnOf(where)});
+}
+
+void clsCommandList::raiseDeclaration(HostEvent event, std::u16string_view identifier, const Value& initialValue) {
+    Event declaration(event);
+    declaration.append(Value::ofText(identifier));
+    declaration.append(Value::ofText(toText(initialValue, locale())));
+    declaration.append(Value::ofBoolean(false));
+    owner_.raise(declaration);
+}
+
+void clsCommandList::traceLine(std::u16string_view kind, std::u16string_view line) {
+    if (traceSink_ == nullptr) return;
+    std::u16string text = u"File Line: " + decimal(currentLine_);
+    text.append(u":   ").append(kind).append(u" Text: '").append(line).append(u"'");
+    traceSink_->trace(doParsing, text);
+}
+
+void clsCommandList::traceKind(std::u16string_view text) {
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, text);
+}
+
+}  // namespace corvane

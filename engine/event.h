@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cassert>
+#include <cstddef>
+#include <initializer_list>
+#include <new>
+#include <string_view>
+
+#include "engine/event_table.h"
+#include "platform/value.h"
+
+namespace corvane {
+
+/// One event on its way to the host: a row of the event table and its argument values.
+///
+/// The host reads arguments by position or by published name and answers through those that are by reference; the
+/// raiser reads the answers from the same object when the sink returns. Events live on the stack of the statement that
+/// raises them: a sink keeps none.
+class Event {
+public:
+    /// The arguments before `tSucess`, in order; tSucess starts false. Throws std::logic_error when number or types do
+    /// not fit the row.
+    Event(HostEvent event, std::initializer_list<Value> arguments);
+    Event(const Event&) = delete;
+    Event& operator=(const Event&) = delete;
+    ~Event() {
+        for (std::size_t i = 0; i < count_; ++i) slots()[i].~Value();
+    }
+
+    HostEvent id() const noexcept { return row_->id; }
+    const EventRow& row() const noexcept { return *row_; }
+
+    /// The number of arguments, `tSucess` included.
+    std::size_t count() const noexcept { return count_; }
+    /// The argument at `position`, from 0 to `count()` - 1.
+    const Value& argument(std::size_t position) const noexcept {
+        assert(position < count_);
+        return slots()[position];
+    }
+    /// The argument of that published name; throws std::logic_error, naming event and argument, when there is none.
+    const Value& argument(std::string_view name) const { return argument(positionOf(name)); }
+
+    /// Writes a by-reference argument. Throws std::logic_error, naming event and argument, when the argument is passed
+    /// by value, when `value` is not of its published type, or when there is no such argument.
+    void answer(std::size_t position, Value value);
+    void answer(std::string_view name, Value value) { answer(positionOf(name), std::move(value)); }
+
+    /// `tSucess`, the last argument.
+    bool succeeded() const noexcept { return slots()[count_ - 1].boolean(); }
+    void succeed(bool success = true) noexcept { slots()[count_ - 1] = Value::ofBoolean(success); }
+
+private:
+    friend class clsCommandList;
+
+    explicit Event(HostEvent event) noexcept : row_(&eventRow(event)) {}
+    void append(Value value) noexcept {
+        assert(count_ < row_->argumentCount && value.type() == row_->arguments[count_].type);
+        new (&storage_[count_ * sizeof(Value)]) Value(std::move(value));
+        ++count_;
+    }
+    std::size_t positionOf(std::string_view name) const;
+    Value* slots() noexcept { return std::launder(reinterpret_cast<Value*>(storage_)); }
+    const Value* slots() const noexcept { return std::launder(reinterpret_cast<const Value*>(storage_)); }
+
+    const EventRow* row_;
+    std::size_t count_ = 0;
+    // Raw, since most events use few of the 26 places and a statement pays for each that is initialised.
+    alignas(Value) std::byte storage_[maximumEventArguments * sizeof(Value)];
+};
+
+/// What a host in C++ implements to receive the events. Called on the engine's thread, inside the load or the run.
+class EventSink {
+public:
+    virtual ~EventSink() = default;
+    /// Does the work that the event asks for and answers through it. An event left unanswered keeps `tSucess` false.
+    /// An exception ends the run and passes to the caller of `RunScript`.
+    virtual void raise(Event& event) = 0;
+};
+
+}  // namespace corvane

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+
+#include "engine/event_table.h"
+#include "engine/modCommand.h"
+
+/// The 49 statement kinds, one row a kind: its catalogue record and how it is executed.
+///
+/// To add a kind: its enumeration value, its row in statement_table.cpp and, if it runs inside the engine, a handler.
+/// Rows carry their key and stand in its order without gaps; a static_assert holds that.
+namespace corvane {
+
+class clsCommandList;
+struct StatementStep;
+
+inline constexpr std::size_t statementKindCount = 49;
+inline constexpr enumCommandType firstStatementKind = ctGoto;
+inline constexpr enumCommandType lastStatementKind = ctBlockStart;
+
+/// What executing a statement does.
+struct Execution {
+    enum class Way : std::uint8_t {
+        Inside,  ///< a handler of the engine
+        Raises,  ///< one event to the host; the statement's n-th parameter becomes the event's n-th argument
+    };
+    using Handler = std::int32_t (clsCommandList::*)(StatementStep&);
+
+    Way way = Way::Inside;
+    Handler handler = nullptr;
+    HostEvent event{};
+    std::uint8_t passed = 0;  ///< how many parameters go to the event
+    float rest = 0.0F;        ///< what the event's other arguments are filled with
+};
+
+struct StatementRow {
+    enumCommandType kind;
+    FunctionDefinition definition;
+    Execution execution;
+
+    constexpr StatementRow(enumCommandType type, std::u16string_view keyword, std::int32_t parameterCount,
+                           std::u16string_view description, std::initializer_list<ParameterDefinition> parameters,
+                           Execution how)
+        : kind(type), definition{keyword, parameterCount, {}, description}, execution(how) {
+        std::size_t slot = 0;
+        for (const ParameterDefinition& parameter : parameters) definition.Params.at(slot++) = parameter;
+    }
+};
+
+extern const std::array<StatementRow, statementKindCount> statementTable;
+
+/// The row of a kind, or null for a kind that is no statement.
+inline const StatementRow* findStatementRow(std::int32_t kind) {
+    if (kind < firstStatementKind || kind > lastStatementKind) return nullptr;
+    return &statementTable[static_cast<std::size_t>(kind - firstStatementKind)];
+}
+
+}  // namespace corvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/text.h"
+
+/// The cuts that statement and declaration text is taken apart with. All of them work on views of the script's text:
+/// nothing is copied before a literal is stored.
+namespace corvane {
+
+inline constexpr char16_t doubleQuote = u'"';
+
+/// Takes the token before the first `separator` outside double quotes off the front of `text`, separator included, and
+/// returns it without surrounding blanks (tabs stay). Without a separator the whole text is the token and `text`
+/// becomes empty. Quotes stay part of the token.
+std::u16string_view SplitAtSeparator(std::u16string_view& text, char16_t separator);
+
+inline std::u16string_view NextParameter(std::u16string_view& text) { return SplitAtSeparator(text, u','); }
+inline std::u16string_view SplitAtEquals(std::u16string_view& text) { return SplitAtSeparator(text, u'='); }
+inline std::u16string_view SplitAtOpenBracket(std::u16string_view& text) { return SplitAtSeparator(text, u'('); }
+inline std::u16string_view SplitAtCloseBracket(std::u16string_view& text) { return SplitAtSeparator(text, u')'); }
+
+/// Whether the first and the last character are double quotes; one lone double quote is both.
+inline bool IsQuotedString(std::u16string_view token) {
+    return !token.empty() && token.front() == doubleQuote && token.back() == doubleQuote;
+}
+
+/// The characters between the first and the last, whatever those are, with every "|" turned into a carriage return and
+/// a line feed. A token of one character, or of none, gives the empty text.
+Text StripQuotes(std::u16string_view token);
+
+/// Without leading and trailing blanks and tabs.
+inline std::u16string_view TrimBlanksAndTabs(std::u16string_view text) {
+    const auto isSpace = [](char16_t c) { return c == u' ' || c == u'\t'; };
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+/// `number` in plain decimal.
+std::u16string decimal(std::int32_t number);
+
+}  // namespace corvane

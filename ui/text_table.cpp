@@ -1,0 +1,83 @@
+#include "ui/text_table.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace corvane {
+namespace {
+
+bool isBlank(std::u16string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t c) { return c == u' '; });
+}
+
+std::u16string visible(std::u16string_view text) {
+    constexpr std::u16string_view digits = u"0123456789abcdef";
+    std::u16string shown;
+    for (const char16_t c : text) {
+        if (c == u'\r')
+            shown += u"\\r";
+        else if (c == u'\n')
+            shown += u"\\n";
+        else if (c == u'\t')
+            shown += u"\\t";
+        else if (c < 0x20 || c == 0x7F)
+            shown.append(u"\\x").append(1, digits[c >> 4U]).append(1, digits[c & 15U]);
+        else
+            shown += c;
+    }
+    return shown;
+}
+
+/// Characters, counting a surrogate pair once.
+std::size_t width(std::u16string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char16_t c) { return c < 0xDC00 || c > 0xDFFF; }));
+}
+
+void trimEnd(std::u16string& line) { line.erase(line.find_last_not_of(u' ') + 1); }
+
+}  // namespace
+
+void TextTable::prepare() {
+    columns_.clear();
+    rows_.clear();
+}
+
+void TextTable::addColumn(std::u16string_view header) { columns_.emplace_back(header); }
+
+void TextTable::addRow(std::u16string_view text) {
+    rows_.emplace_back(columns_.size());
+    rows_.back().at(0) = text;
+}
+
+void TextTable::setSubItem(int column, std::u16string_view text) {
+    rows_.back().at(static_cast<std::size_t>(column)) = text;
+}
+
+std::u16string TextTable::aligned() const {
+    std::vector<std::size_t> widths(columns_.size(), 0);
+    for (const auto& row : rows_)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (!isBlank(row[i])) widths[i] = std::max(widths[i], width(visible(row[i])));
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        if (rows_.empty() || widths[i] != 0) widths[i] = std::max(widths[i], width(columns_[i]));
+
+    std::u16string text;
+    const auto addLine = [&](const auto& cellOf) {
+        std::u16string line;
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            if (widths[i] == 0) continue;
+            const std::u16string cell = cellOf(i);
+            line.append(cell).append(widths[i] - width(cell) + 2, u' ');
+        }
+        trimEnd(line);
+        text.append(line).append(u"\n");
+    };
+    addLine([&](std::size_t i) { return columns_[i]; });
+    addLine([&](std::size_t i) { return std::u16string(widths[i], u'-'); });
+    for (const auto& row : rows_)
+        addLine([&](std::size_t i) { return isBlank(row[i]) ? std::u16string() : visible(row[i]); });
+    return text;
+}
+
+}  // namespace corvane
