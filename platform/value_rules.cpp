@@ -1,0 +1,154 @@
+// The door to the variant rules. What is answered here every set of rules decides the same way, and nothing is
+// allocated for it but a text that is the result: seven digits are exact in a double and, divided by a power of ten,
+// too far from the middle between two singles for any routine's last-place errors to matter. What is not a number (NaN)
+// is answered here because the routines of the platform's releases differ in it.
+#include "platform/value_rules.h"
+
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "platform/automation_error.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t exactDigits = 7;
+
+// `mark` and `otherMark` are decimal marks; 0 is none.
+std::optional<float> plainSingle(std::u16string_view text, char16_t mark, char16_t otherMark) {
+    static constexpr double powersOfTen[exactDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
+    const bool isNegative = text.starts_with(u'-');
+    if (isNegative) text.remove_prefix(1);
+    if (text.size() > exactDigits + 1) return std::nullopt;
+
+    std::uint32_t number = 0;
+    std::size_t digits = 0;
+    std::size_t wholeDigits = 0;
+    bool hasMark = false;
+    for (const char16_t unit : text) {
+        if (unit >= u'0' && unit <= u'9') {
+            number = number * 10 + (unit - u'0');
+            ++digits;
+            if (!hasMark) ++wholeDigits;
+        } else if (!hasMark && unit != 0 && (unit == mark || unit == otherMark)) {
+            hasMark = true;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (digits == 0 || digits > exactDigits) return std::nullopt;
+    const double magnitude = number / powersOfTen[digits - wholeDigits];
+    return static_cast<float>(isNegative ? -magnitude : magnitude);
+}
+
+char16_t decimalMarkOf(const NumberLocale& locale) {
+    return locale.decimalMark.size() == 1 ? locale.decimalMark.front() : u'\0';
+}
+
+std::optional<float> smallNumber(const Value& value) {
+    if (value.type() == ValueType::Single) return value.single();
+    if (value.type() == ValueType::Integer) return value.integer();
+    return std::nullopt;
+}
+
+// A sum or difference of the types that a script's counters have, unless it overflows.
+template <typename Operation>
+std::optional<Value> simpleResult(const Value& left, const Value& right, Operation operation) {
+    const bool areIntegers = left.type() == ValueType::Integer && right.type() == ValueType::Integer;
+    const auto leftNumber = smallNumber(left);
+    const auto rightNumber = smallNumber(right);
+    if (areIntegers || !leftNumber || !rightNumber) return std::nullopt;
+    const float result = operation(*leftNumber, *rightNumber);
+    if (!std::isfinite(result)) return std::nullopt;
+    return Value::ofSingle(result);
+}
+
+// The digits of a number that is written with digits alone: whole, and of no more digits than a single shows.
+std::optional<std::int32_t> wholeNumber(const Value& value) {
+    if (value.type() == ValueType::Integer) return value.integer();
+    if (value.type() == ValueType::Long) return value.longInteger();
+    if (value.type() != ValueType::Single || !(std::abs(value.single()) < 1e7f)) return std::nullopt;
+    const auto whole = static_cast<std::int32_t>(value.single());
+    if (static_cast<float>(whole) != value.single()) return std::nullopt;
+    return whole;
+}
+
+Text textOf(std::int32_t number) {
+    char16_t buffer[11];
+    char16_t* const end = buffer + std::size(buffer);
+    char16_t* begin = end;
+    auto magnitude = number < 0 ? 0u - static_cast<std::uint32_t>(number) : static_cast<std::uint32_t>(number);
+    do {
+        *--begin = static_cast<char16_t>(u'0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    if (number < 0) *--begin = u'-';
+    return Text(std::u16string_view(begin, static_cast<std::size_t>(end - begin)));
+}
+
+bool isNotANumber(const Value& value) {
+    return (value.type() == ValueType::Single && std::isnan(value.single())) ||
+           (value.type() == ValueType::Double && std::isnan(value.doubleFloat()));
+}
+
+}  // namespace
+
+bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
+    return plainSingle(text, decimalMarkOf(locale), u'\0') || platform_rules::isNumeric(text, locale);
+}
+
+std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale) {
+    return plainSingle(text, u'.', decimalMarkOf(locale));
+}
+
+float toSingle(const Value& value, const NumberLocale& locale) {
+    if (const auto number = smallNumber(value)) return *number;
+    if (value.isText()) {
+        if (const auto number = plainSingle(value.textView(), decimalMarkOf(locale), u'\0')) return *number;
+    }
+    return platform_rules::toSingle(value, locale);
+}
+
+std::int32_t toLong(const Value& value, const NumberLocale& locale) {
+    if (value.type() == ValueType::Long) return value.longInteger();
+    if (value.type() == ValueType::Integer) return value.integer();
+    if (isNotANumber(value)) throw automation_error(ErrorNumber::Overflow);
+    return platform_rules::toLong(value, locale);
+}
+
+bool toBoolean(const Value& value, const NumberLocale& locale) {
+    if (value.type() == ValueType::Boolean) return value.boolean();
+    return platform_rules::toBoolean(value, locale);
+}
+
+Text toText(const Value& value, const NumberLocale& locale) {
+    if (value.isText()) return value.text();
+    if (const auto number = wholeNumber(value)) return textOf(*number);
+    if (isNotANumber(value)) return Text(u"NAN");
+    return platform_rules::toText(value, locale);
+}
+
+Value add(const Value& left, const Value& right, const NumberLocale& locale) {
+    if (auto sum = simpleResult(left, right, [](float a, float b) { return a + b; })) return *std::move(sum);
+    return platform_rules::add(left, right, locale);
+}
+
+Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
+    if (auto difference = simpleResult(left, right, [](float a, float b) { return a - b; }))
+        return *std::move(difference);
+    return platform_rules::subtract(left, right, locale);
+}
+
+std::weak_ordering compare(const Value& left, const Value& right) {
+    if (left.type() == ValueType::Single && right.type() == ValueType::Single) {
+        const float leftNumber = left.single();
+        const float rightNumber = right.single();
+        if (leftNumber < rightNumber) return std::weak_ordering::less;
+        return leftNumber == rightNumber ? std::weak_ordering::equivalent : std::weak_ordering::greater;
+    }
+    return platform_rules::compare(left, right);
+}
+
+}  // namespace corvane
