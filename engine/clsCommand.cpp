@@ -90,10 +90,15 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
         actualType = ptConstant | ptNumber;
         return memory.AddItem({}, actualType, Value::ofSingle(*number));
     }
-    std::u16string name(token);
-    if (IsNumericText(name, engine().locale())) {
-        actualType = ptConstant | ptNumber;
-        return CreateLiteralItem(name);
+    std::u16string_view name = token;
+    std::u16string rewritten;
+    if (!beginsAsName(token, engine().locale())) {
+        rewritten = token;
+        if (IsNumericText(rewritten, engine().locale())) {
+            actualType = ptConstant | ptNumber;
+            return CreateLiteralItem(rewritten);
+        }
+        name = rewritten;
     }
     std::int32_t position = 0;
     if (memory.FindItem(name, position)) {

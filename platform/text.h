@@ -40,8 +40,7 @@ private:
     static Buffer* allocate(std::size_t length);
     static char16_t* characters(Buffer* buffer) noexcept { return reinterpret_cast<char16_t*>(buffer + 1); }
     static std::u16string_view view(Buffer* buffer) noexcept {
-        return buffer == nullptr ? std::u16string_view()
-                                 : std::u16string_view(characters(buffer), buffer->length);
+        return buffer == nullptr ? std::u16string_view() : std::u16string_view(characters(buffer), buffer->length);
     }
     static void retain(Buffer* buffer) noexcept {
         if (buffer != nullptr) ++buffer->references;

@@ -95,12 +95,24 @@ bool isNotANumber(const Value& value) {
 
 }  // namespace
 
+bool beginsAsName(std::u16string_view text, const NumberLocale& locale) {
+    if (text.empty()) return false;
+    const char16_t first = text.front();
+    const bool isLetter = (first >= u'a' && first <= u'z') || (first >= u'A' && first <= u'Z');
+    // An exponent may stand in front of the digits that it belongs to, and a currency symbol may begin with a letter.
+    return isLetter && first != u'e' && first != u'E' && !locale.currencySymbol.starts_with(first) &&
+           !locale.decimalMark.starts_with(first);
+}
+
 bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
+    if (beginsAsName(text, locale)) return false;
     return plainSingle(text, decimalMarkOf(locale), u'\0') || platform_rules::isNumeric(text, locale);
 }
 
 std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale) {
-    return plainSingle(text, u'.', decimalMarkOf(locale));
+    // A script knows two marks. The comma is one here only where the numeric test reads it as the locale's own: beside
+    // another mark it may part groups.
+    return plainSingle(text, u'.', locale.decimalMark == u"," ? u',' : u'\0');
 }
 
 float toSingle(const Value& value, const NumberLocale& locale) {

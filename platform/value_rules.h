@@ -19,9 +19,13 @@ namespace corvane {
 /// The general numeric test: whether the platform converts `text` to a 64-bit float.
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
 
+/// Whether `text` begins as no number does, so that neither the numeric test nor the strict one can accept it: a quick
+/// answer for names. False where only the tests can tell.
+bool beginsAsName(std::u16string_view text, const NumberLocale& locale);
+
 /// The value of a plainly written script number: an optional minus, digits, at most one decimal mark, seven digits at
-/// most. The mark is a point, or the locale's. None for any other text, numeric or not; what it answers is what the
-/// numeric-text test and a conversion to single make of the text.
+/// most. The mark is a point, or a comma where it is the locale's. None for any other text, numeric or not; what it
+/// answers is what the numeric-text test and a conversion to single make of the text.
 std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale);
 
 float toSingle(const Value& value, const NumberLocale& locale);

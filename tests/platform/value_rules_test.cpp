@@ -463,6 +463,10 @@ TEST(PlainNumber, LeavesEverythingElseAlone) {
     EXPECT_EQ(plainNumber(u"1,5", point), std::nullopt);
     EXPECT_EQ(plainNumber(u"1.5,5", comma), std::nullopt);
     EXPECT_EQ(plainNumber(std::u16string_view(u"1\0", 2), point), std::nullopt);
+    NumberLocale arabic = point;
+    arabic.decimalMark = u"\u066B";
+    EXPECT_EQ(plainNumber(u"1\u066B5", arabic), std::nullopt);
+    EXPECT_EQ(plainNumber(u"1.5", arabic), 1.5f);
 }
 
 constexpr std::u16string_view plainUnits = u"-.,0179";
@@ -485,6 +489,39 @@ TEST(PlainNumber, IsWhatTheFullRulesMakeOfTheText) {
             }
         };
         extend(extend, 6);
+    }
+}
+
+TEST(BeginsAsName, IsTrueForNamesAndNeverForWhatTheNumericTestAdmits) {
+    for (const std::u16string_view name : {u"Count", u"x", u"Zero", u"h12"}) EXPECT_TRUE(beginsAsName(name, point));
+    for (const std::u16string_view other :
+         {u"", u"1", u"-x", u"_x", u"Energy", u"e1,5", u"&H1", u" x", u"\u00E9t\u00E9"})
+        EXPECT_FALSE(beginsAsName(other, point)) << printable(other);
+    EXPECT_TRUE(portable::isNumeric(u"e1,5", point));
+
+    NumberLocale kroner = point;
+    kroner.currencySymbol = u"kr";
+    EXPECT_TRUE(portable::isNumeric(u"kr5", kroner));
+    EXPECT_FALSE(beginsAsName(u"kr5", kroner));
+    EXPECT_TRUE(beginsAsName(u"Count", kroner));
+}
+
+TEST(BeginsAsName, NoTextThatItAnswersIsNumeric) {
+    constexpr std::u16string_view units = u"aeEhHk1-+.,&$( ";
+    for (const NumberLocale& locale : {point, comma}) {
+        std::u16string text;
+        const auto extend = [&](const auto& self, int length) -> void {
+            if (beginsAsName(text, locale)) {
+                ASSERT_FALSE(portable::isNumeric(text, locale)) << printable(text);
+            }
+            if (length == 0) return;
+            for (const char16_t unit : units) {
+                text.push_back(unit);
+                self(self, length - 1);
+                text.pop_back();
+            }
+        };
+        extend(extend, 4);
     }
 }
 

@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a group of work needs; says and does nothing when all are there.
+#
+#   tools/setup.sh GROUP...
+#
+#   native    build and run on this machine        windows   cross build, and Wine to run what was built
+#   tests     what the tests themselves need       checks    format, static analysis, scripts
+#   all       everything above
+set -euo pipefail
+
+native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
+tests='locales python3'
+windows='debootstrap g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64'
+checks='clang-format clang-tidy git python3 shellcheck'
+
+asRoot() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "setup.sh: this needs root, and there is no sudo: $*" >&2
+        return 1
+    fi
+}
+
+# What a command prints is shown only when it fails.
+quietly() {
+    local output
+    if ! output=$("$@" 2>&1 </dev/null); then
+        printf '%s\n' "$output" | tail -n 30 >&2
+        echo "setup.sh: failed: $*" >&2
+        return 1
+    fi
+}
+
+installMissing() {
+    local package installed missing=()
+    installed=$(dpkg-query --show --showformat='${Package} ${db:Status-Status}\n' "$@" 2>/dev/null || true)
+    for package in "$@"; do
+        grep -qxF "$package installed" <<<"$installed" || missing+=("$package")
+    done
+    if [ ${#missing[@]} = 0 ]; then return; fi
+    if ! command -v apt-get >/dev/null; then
+        echo "setup.sh: this machine has no apt-get; install the equivalents of: ${missing[*]}" >&2
+        return 1
+    fi
+    echo "setup.sh: installing ${missing[*]}" >&2
+    quietly asRoot apt-get -q -o DPkg::Lock::Timeout=300 update
+    quietly asRoot env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 install \
+        --no-install-recommends "${missing[@]}"
+}
+
+# One with a decimal comma, for tests of whole programs.
+makeLocale() {
+    if ! locale -a | grep -qix 'de_DE.utf-\?8'; then
+        quietly asRoot localedef -i de_DE -f UTF-8 de_DE.UTF-8
+    fi
+}
+
+groups=("$@")
+if [ ${#groups[@]} = 0 ]; then
+    sed -n '2,/^set /{/^set /!s/^# \{0,1\}//p}' "$0" >&2
+    exit 64
+fi
+
+packages=
+for group in "${groups[@]}"; do
+    case $group in
+        native | tests | windows | checks) packages+=" ${!group}" ;;
+        all) packages+=" $native $tests $windows $checks" ;;
+        *)
+            echo "setup.sh: no such group: $group" >&2
+            exit 64
+            ;;
+    esac
+done
+
+# shellcheck disable=SC2086
+installMissing $packages
+for group in "${groups[@]}"; do
+    case $group in tests | all) makeLocale ;; esac
+    case $group in windows | all) "$(dirname "${BASH_SOURCE[0]}")/wine-x86" --prepare ;; esac
+done

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Runs a Windows program in the build tree's own Wine prefix:
+#
+#   wine-run.sh x64|x86 PROGRAM [ARGUMENT...]    exit code, streams, directory, arguments and environment pass through
+#   wine-run.sh x64|x86 --stop                   ends everything that still runs in the prefix
+#
+# Called by wine-x64 and wine-x86, which see to it that the right Wine is there. Windows are shown nowhere, unless
+# CORVANE_DISPLAY names an X display for them.
+set -euo pipefail
+
+word=$1
+shift
+tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+firstOf() {
+    local file
+    for file in "$@"; do
+        if [ -x "$file" ]; then
+            echo "$file"
+            return
+        fi
+    done
+    echo "wine-run.sh: none of these is installed: $*" >&2
+    exit 1
+}
+
+case $word in
+    x64)
+        wine=$(firstOf /usr/lib/wine/wine64)
+        export WINEARCH=win64
+        ;;
+    x86)
+        wine=$(firstOf /usr/lib/wine/wine)
+        export WINEARCH=win32
+        ;;
+esac
+server=$(firstOf /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver32)
+
+export WINEPREFIX=$tree/build/wine/$word
+export WINEDEBUG=${WINEDEBUG:--all}
+export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
+export DISPLAY=${CORVANE_DISPLAY:-}
+export LANG=${LANG:-C.UTF-8}
+unset WINELOADER WINESERVER
+
+if [ "${1:-}" = --stop ]; then
+    if [ -d "$WINEPREFIX" ]; then
+        "$server" -k || true
+        "$server" -w
+    fi
+    exit 0
+fi
+
+# A server of our own outlives each program by a few minutes: a cold start costs seconds, a warm one 20 ms. It and the
+# services it starts must not hold the caller's streams, or a pipe from the program would stay open after its end.
+(
+    mkdir -p "$WINEPREFIX"
+    exec 9>"$WINEPREFIX.lock"
+    flock 9
+    exec </dev/null >/dev/null 2>&1
+    if "$server" -p300 9>&-; then "$wine" wineboot 9>&-; fi
+) || true
+
+exec "$wine" "$@"
