@@ -12,7 +12,7 @@ namespace corvane {
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+        const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
         path_ = std::filesystem::temp_directory_path() /
                 (std::string("corvane_") + test.test_suite_name() + "_" + test.name());
         std::filesystem::remove_all(path_);
