@@ -1,0 +1,154 @@
+#include "engine/text_utilities.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "platform/utf8.h"
+
+namespace corvane {
+namespace {
+
+struct Cut {
+    std::u16string_view text;
+    std::u16string_view token;
+    std::u16string_view rest;
+};
+
+void expectCuts(char16_t separator, const std::vector<Cut>& cuts) {
+    for (const Cut& cut : cuts) {
+        std::u16string_view text = cut.text;
+        EXPECT_EQ(SplitAtSeparator(text, separator), cut.token) << toUtf8(cut.text);
+        EXPECT_EQ(text, cut.rest) << toUtf8(cut.text);
+    }
+}
+
+TEST(SplitAtSeparator, TakesTheTokenBeforeTheFirstSeparatorAndLeavesWhatFollowsIt) {
+    expectCuts(u',', {
+                         {u"a,b", u"a", u"b"},
+                         {u"a,b,c", u"a", u"b,c"},
+                         {u"a, b ", u"a", u" b "},
+                         {u",b", u"", u"b"},
+                         {u",,", u"", u","},
+                         {u"a,", u"a", u""},
+                     });
+}
+
+TEST(SplitAtSeparator, WithoutASeparatorTheWholeTextIsTheToken) {
+    expectCuts(u',', {{u"", u"", u""}, {u"a", u"a", u""}, {u"a.b;c", u"a.b;c", u""}, {u"  ", u"", u""}});
+}
+
+TEST(SplitAtSeparator, TrimsBlanksOfTheTokenButNoTabs) {
+    expectCuts(u',', {
+                         {u"  a b  ,c", u"a b", u"c"},
+                         {u"\ta\t,c", u"\ta\t", u"c"},
+                         {u" \ta\t ,c", u"\ta\t", u"c"},
+                         {u" \r\n,c", u"\r\n", u"c"},
+                         {u"\u00A0a,c", u"\u00A0a", u"c"},
+                     });
+}
+
+TEST(SplitAtSeparator, SeparatorsInsideQuotesAreText) {
+    expectCuts(u',', {
+                         {u"\"a,b\",c", u"\"a,b\"", u"c"},
+                         {u"x\"a,b\"y,c", u"x\"a,b\"y", u"c"},
+                         {u"\"a\"\"b,c\",d", u"\"a\"\"b,c\"", u"d"},
+                         {u"\"a\",\"b\"", u"\"a\"", u"\"b\""},
+                     });
+}
+
+TEST(SplitAtSeparator, AnUnclosedQuoteHidesEverySeparatorBehindIt) {
+    expectCuts(u',', {{u"a\"b,c,d", u"a\"b,c,d", u""}, {u"\",", u"\",", u""}, {u"a,\"", u"a", u"\""}});
+}
+
+TEST(SplitAtSeparator, BlanksInsideQuotesStay) { expectCuts(u',', {{u" \" a \" ,b", u"\" a \"", u"b"}}); }
+
+TEST(SplitAtSeparator, AQuoteIsNeverASeparator) { expectCuts(u'"', {{u"a\"b\"c", u"a\"b\"c", u""}}); }
+
+TEST(SplitAtSeparator, GivesViewsOfTheTextItself) {
+    const std::u16string line = u" one , two";
+    std::u16string_view rest = line;
+    EXPECT_EQ(SplitAtSeparator(rest, u',').data(), line.data() + 1);
+    EXPECT_EQ(rest.data(), line.data() + 6);
+}
+
+TEST(SplitAtSeparator, EachCutHasItsOwnSeparator) {
+    const std::u16string_view line = u"a=b(c,d)e";
+    std::u16string_view rest = line;
+    EXPECT_EQ(SplitAtEquals(rest), u"a");
+    EXPECT_EQ(SplitAtOpenBracket(rest), u"b");
+    EXPECT_EQ(NextParameter(rest), u"c");
+    EXPECT_EQ(SplitAtCloseBracket(rest), u"d");
+    EXPECT_EQ(rest, u"e");
+}
+
+TEST(IsQuotedString, AsksForAQuoteAtBothEnds) {
+    const std::vector<std::pair<std::u16string_view, bool>> cases = {
+        {u"\"a\"", true}, {u"\"\"", true}, {u"\"a\" \"b\"", true}, {u"\"a\"b\"", true}, {u"", false},    {u"a", false},
+        {u"\"a", false},  {u"a\"", false}, {u" \"a\"", false},     {u"\"a\" ", false},  {u"'a'", false},
+    };
+    for (const auto& [token, expected] : cases) EXPECT_EQ(IsQuotedString(token), expected) << toUtf8(token);
+}
+
+TEST(IsQuotedString, ALoneDoubleQuoteIsBothEnds) { EXPECT_TRUE(IsQuotedString(u"\"")); }
+
+TEST(StripQuotes, DropsTheOuterCharactersWhateverTheyAre) {
+    const std::vector<std::pair<std::u16string_view, std::u16string_view>> cases = {
+        {u"\"text\"", u"text"}, {u"\"\"", u""},       {u"abc", u"b"},
+        {u"ab", u""},           {u"\" a \"", u" a "}, {u"\"a\"b\"", u"a\"b"},
+    };
+    for (const auto& [token, expected] : cases) EXPECT_EQ(StripQuotes(token).view(), expected) << toUtf8(token);
+}
+
+TEST(StripQuotes, OneCharacterOrNoneGivesTheEmptyText) {
+    for (const std::u16string_view token : {u"", u"\"", u"x", u"|"})
+        EXPECT_TRUE(StripQuotes(token).empty()) << toUtf8(token);
+}
+
+TEST(StripQuotes, TurnsEveryBarIntoALineBreak) {
+    const std::vector<std::pair<std::u16string_view, std::u16string_view>> cases = {
+        {u"\"Line1|Line2\"", u"Line1\r\nLine2"},
+        {u"\"|\"", u"\r\n"},
+        {u"\"||a|\"", u"\r\n\r\na\r\n"},
+        {u"|a|b|", u"a\r\nb"},
+    };
+    for (const auto& [token, expected] : cases) EXPECT_EQ(StripQuotes(token).view(), expected) << toUtf8(token);
+}
+
+TEST(StripQuotes, KeepsAsManyLineBreaksAsThereAreBars) {
+    std::u16string token = u"\"" + std::u16string(1000, u'|') + u"\"";
+    EXPECT_EQ(StripQuotes(token).view().size(), 2000U);
+}
+
+TEST(TrimBlanksAndTabs, RemovesBlanksAndTabsAtBothEndsAndNothingElse) {
+    const std::vector<std::pair<std::u16string_view, std::u16string_view>> cases = {
+        {u"", u""},
+        {u" ", u""},
+        {u"\t \t", u""},
+        {u" a", u"a"},
+        {u"a\t", u"a"},
+        {u" \t a \t b \t ", u"a \t b"},
+        {u"\r\na\n", u"\r\na\n"},
+        {u"\u00A0a\u00A0", u"\u00A0a\u00A0"},
+        {u"\va\f", u"\va\f"},
+    };
+    for (const auto& [text, expected] : cases) EXPECT_EQ(TrimBlanksAndTabs(text), expected) << toUtf8(text);
+}
+
+TEST(Decimal, WritesEveryNumberPlainly) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const std::vector<std::pair<std::int32_t, std::u16string_view>> cases = {
+        {0, u"0"},
+        {1, u"1"},
+        {-1, u"-1"},
+        {1000000, u"1000000"},
+        {Limits::max(), u"2147483647"},
+        {Limits::min(), u"-2147483648"},
+    };
+    for (const auto& [number, expected] : cases) EXPECT_EQ(decimal(number), expected);
+}
+
+}  // namespace
+}  // namespace corvane
