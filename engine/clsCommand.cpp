@@ -107,9 +107,7 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
         return item;
     }
     actualType = ptUndeclared;
-    const clsData reference = memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
-    engine().noteForwardReference(reference, token);
-    return reference;
+    return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
 }
 
 // A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
@@ -127,9 +125,12 @@ bool clsCommand::CheckParameterTypes(const Binding& binding) const {
         const std::int32_t actual = binding.actualTypes[slot];
         const std::int32_t allowed = definition.Params[slot].ParamType;
         if (actual == ptUndeclared) {
-            if (allowed == ptLabel) continue;
-            engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
-            return false;
+            if (allowed != ptLabel) {
+                engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
+                return false;
+            }
+            engine().noteForwardReference(binding.slots[slot], binding.tokens[slot]);
+            continue;
         }
         if ((actual & allowed) == actual) continue;
         engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), binding.tokens[slot]);

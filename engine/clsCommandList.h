@@ -152,7 +152,8 @@ public:
     // For statements and the statement table
 
     LoadedScript& script() { return *script_; }
-    void noteForwardReference(const clsData& item, std::u16string_view where);
+    /// A statement uses the item at `position` as a label that is not defined yet.
+    void noteForwardReference(std::uint32_t position, std::u16string_view where);
 
     std::int32_t executeGoto(StatementStep& step);
     std::int32_t executeCall(StatementStep& step);

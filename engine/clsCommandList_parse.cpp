@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <new>
 #include <string>
+#include <unordered_set>
 
 #include "engine/clsCommandList.h"
 #include "engine/modCommand.h"
@@ -308,9 +309,11 @@ bool clsCommandList::resolveLabels() {
         return std::u16string(u"Undefined Label: ").append(item.Identifier());
     };
     if (check_ != nullptr) {
+        std::unordered_set<std::uint32_t> reported;  // each label at its first use only
         for (const Check::ForwardReference& reference : check_->forwardReferences) {
             const clsData item = memory.at(reference.item);
-            if (item.ParameterType() == ptUndeclared) check_->reportUndefinedLabel(reference, message(item));
+            if (item.ParameterType() == ptUndeclared && reported.insert(reference.item).second)
+                check_->reportUndefinedLabel(reference, message(item));
         }
         return !check_->rejected;
     }
@@ -334,9 +337,8 @@ void clsCommandList::SyntaxError(std::u16string_view tMsg, std::u16string_view w
     services_.dialogs.showMessage({.text = tMsg, .caption = title, .style = okExclamationStyle, .helpFile = {}});
 }
 
-void clsCommandList::noteForwardReference(const clsData& item, std::u16string_view where) {
-    if (check_ != nullptr)
-        check_->forwardReferences.push_back({item.position(), currentLine_, check_->columnOf(where)});
+void clsCommandList::noteForwardReference(std::uint32_t position, std::u16string_view where) {
+    if (check_ != nullptr) check_->forwardReferences.push_back({position, currentLine_, check_->columnOf(where)});
 }
 
 void clsCommandList::raiseDeclaration(HostEvent event, std::u16string_view identifier, const Value& initialValue) {

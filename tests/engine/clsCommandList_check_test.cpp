@@ -121,8 +121,11 @@ TEST_F(ScriptCheck, ReportsAnUndefinedLabelAtItsFirstUse) {
 }
 
 TEST_F(ScriptCheck, ReportsAnUndeclaredNameOnceAndNotAsAnUndefinedLabelToo) {
-    EXPECT_EQ(check(u"  Set(Missing, 5)\nIfEqual(Absent, 1, Nowhere)"),
-              Lines({"0:6: Undeclared identifier", "1:8: Undeclared identifier", "1:19: Undefined Label: Nowhere"}));
+    EXPECT_EQ(check(u"  Set(Missing, 5)\nIfEqual(Absent, 1, Here)\nHere:"),
+              Lines({"0:6: Undeclared identifier", "1:8: Undeclared identifier"}));
+    // Used as a label as well, it is undefined there.
+    EXPECT_EQ(check(u"Set(Missing, 5)\nGoto(Missing)\nGoto(Missing)"),
+              Lines({"0:4: Undeclared identifier", "1:5: Undefined Label: Missing"}));
 }
 
 TEST_F(ScriptCheck, ALabelDefinedLaterIsNoFaultEvenBehindABadLine) {
