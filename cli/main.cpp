@@ -1,0 +1,42 @@
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "cli/command_line.h"
+#include "cli/console.h"
+
+namespace {
+
+volatile std::sig_atomic_t interruptions = 0;
+
+// The first asks for an end with a report; a second one ends the program as usual.
+void noteInterruption(int signal) {
+    interruptions = 1;
+    std::signal(signal, SIG_DFL);
+}
+
+int exitCodeOf(corvane::ExitCode code) { return static_cast<int>(code); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const corvane::Console console;
+    std::ios::sync_with_stdio(false);
+    std::signal(SIGINT, noteInterruption);
+    corvane::ExitCode code = corvane::ExitCode::RunFailed;
+    try {
+        code = corvane::runCommandLine(corvane::Console::arguments(argc, argv),
+                                       {std::cin, std::cout, std::cerr, [] { return interruptions != 0; }});
+    } catch (const std::bad_alloc&) {
+        std::cerr << "corvane: automation error 7 (Out of memory)\n";
+    } catch (const std::exception& error) {
+        std::cerr << "corvane: " << error.what() << '\n';
+    }
+    std::cout.flush();
+    if (!std::cout) {
+        std::cerr << "corvane: the output could not be written\n";
+        return exitCodeOf(corvane::ExitCode::NoOutput);
+    }
+    return exitCodeOf(code);
+}
