@@ -76,7 +76,10 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
         fits = CheckParameterTypes(binding);
     }
     TraceSink* const sink = engine().traceSink();
-    if (sink != nullptr && (debugOptions() & doParsing) != 0) DebugPrintParamList(*sink, engine().locale());
+    if (sink != nullptr && (debugOptions() & doParsing) != 0) {
+        const NumberLocale numbers = engine().locale();  // a copy: the sink may call back and have the locale read anew
+        DebugPrintParamList(*sink, numbers);
+    }
     return fits;
 }
 

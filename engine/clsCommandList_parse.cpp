@@ -158,7 +158,10 @@ bool clsCommandList::load(std::u16string_view text, Check* check) {
     }
     if (trapped) return false;
     if (accepted) accepted = resolveLabels();
-    if (traceSink_ != nullptr && (debugOptions() & doTables) != 0) memory.DebugPrint(*traceSink_, locale());
+    if (traceSink_ != nullptr && (debugOptions() & doTables) != 0) {
+        const NumberLocale numbers = locale();  // a copy: the sink may call back and have the locale read anew
+        memory.DebugPrint(*traceSink_, numbers);
+    }
     return accepted;
 }
 
@@ -286,11 +289,10 @@ bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
     clsDataList& memory = DataMemory();
     const Value text = Value::ofText(value);
     std::int32_t position = 0;
-    if (memory.FindItem(name, position, ptEnvironment))
-        memory.Item(position).setInitialValue(text);
-    else
-        memory.AddItem(name, ptEnvironment, text);
-    raiseDeclaration(HostEvent::EnvironmentVariableAdded, name, text);
+    const bool isKnown = memory.FindItem(name, position, ptEnvironment);
+    clsData item = isKnown ? memory.Item(position) : memory.AddItem(name, ptEnvironment, text);
+    item.setInitialValue(text);
+    raiseDeclaration(HostEvent::EnvironmentVariableAdded, item.Identifier(), text);
     return true;
 }
 

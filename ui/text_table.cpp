@@ -20,7 +20,7 @@ std::u16string visible(std::u16string_view text) {
             shown += u"\\n";
         else if (c == u'\t')
             shown += u"\\t";
-        else if (c < 0x20 || c == 0x7F)
+        else if (c < 0x20 || (c >= 0x7F && c < 0xA0))
             shown.append(u"\\x").append(1, digits[c >> 4U]).append(1, digits[c & 15U]);
         else
             shown += c;
@@ -30,8 +30,13 @@ std::u16string visible(std::u16string_view text) {
 
 /// Characters, counting a surrogate pair once.
 std::size_t width(std::u16string_view text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char16_t c) { return c < 0xDC00 || c > 0xDFFF; }));
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isHigh = text[i] >= 0xD800 && text[i] <= 0xDBFF;
+        if (isHigh && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) ++i;
+        ++characters;
+    }
+    return characters;
 }
 
 void trimEnd(std::u16string& line) { line.erase(line.find_last_not_of(u' ') + 1); }

@@ -770,11 +770,11 @@ TEST_F(LoadDuringRun, AFailedStatementIsStillNamedByTheOldScript) {
     ASSERT_TRUE(load(u"Park()\nPark()"));
     owner.lines.clear();
     EXPECT_TRUE(engine.ExecuteList());
-    EXPECT_EQ(owner.lines, Lines({"4 Running Command: 0 - Park", "listener: CommandStart(0)", "Park()",
-                                  "4 ERROR (ExecuteList) - Command Failed: Address 0 - Park",
-                                  "listener: CommandError(0, 1)", "CommandComplete(1, 1)",
-                                  "listener: CommandComplete(1, 1)", "4 ExecuteList Result: True",
-                                  "listener: ScriptComplete(True)"}));
+    EXPECT_EQ(owner.lines,
+              Lines({"4 Running Command: 0 - Park", "listener: CommandStart(0)", "Park()",
+                     "4 ERROR (ExecuteList) - Command Failed: Address 0 - Park", "listener: CommandError(0, 1)",
+                     "CommandComplete(1, 1)", "listener: CommandComplete(1, 1)", "4 ExecuteList Result: True",
+                     "listener: ScriptComplete(True)"}));
 }
 
 TEST_F(LoadDuringRun, AfterTheLastStatementDoesNotProlongTheRun) {

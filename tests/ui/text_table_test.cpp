@@ -112,6 +112,19 @@ TEST(TextTable, CountsASurrogatePairOnce) {
               "abc  y\n");
 }
 
+TEST(TextTable, ShowsTheSecondSetOfControlCharactersAsEscapes) {
+    EXPECT_EQ(aligned({u"A"}, {{u"a\u0085\u009F"}}), "A\n---------\na\\x85\\x9f\n");
+}
+
+TEST(TextTable, KeepsAColumnOfHalvesOfSurrogatePairs) {
+    const std::u16string half(1, char16_t{0xDC00});
+    EXPECT_EQ(aligned({u"A", u"B"}, {{half, u"x"}, {half + half, u"y"}}),
+              "A   B\n"
+              "--  -\n"
+              "\xEF\xBF\xBD   x\n"
+              "\xEF\xBF\xBD\xEF\xBF\xBD  y\n");
+}
+
 class TextTableViews : public testing::EngineTest {};
 
 TEST_F(TextTableViews, ShowAScript) {
