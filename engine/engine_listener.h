@@ -20,7 +20,8 @@ public:
     virtual void CommandError(std::int32_t /*programCounter*/, std::int32_t /*resultCode*/) {}
     /// Once at the end of a run that no run-time error ended.
     virtual void ScriptComplete(bool /*result*/) {}
-    /// A memory item's current value was assigned; the reset before a run is no assignment.
+    /// A memory item's current value was assigned; the reset before a run is no assignment. The item is valid until the
+    /// listener has another script loaded.
     virtual void CurrentValueChanged(const clsData& /*item*/, const Value& /*value*/) {}
 };
 

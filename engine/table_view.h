@@ -17,8 +17,8 @@ public:
     virtual void addRow(std::u16string_view text) = 0;
     /// `column` is 1 or more.
     virtual void setSubItem(int column, std::u16string_view text) = 0;
-    /// Called when the table is filled: the columns take the width of their contents. A failure to do so is no failure
-    /// of the view; it is ignored.
+    /// Called when the table is filled: the columns take the width of their contents. An implementation keeps a failure
+    /// to do so to itself: the table is filled all the same.
     virtual void fitColumns() = 0;
 };
 

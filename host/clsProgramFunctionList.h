@@ -13,7 +13,8 @@ namespace corvane {
 /// and dialog event.
 ///
 /// The list follows the path that the script takes; a statement reached several times is listed several times. A script
-/// that waits in a loop for its finish-loop flag is not stopped.
+/// that waits in a loop for its finish-loop flag is not stopped. The object must not be destroyed from inside its
+/// calls.
 class clsProgramFunctionList final : private EventSink {
 public:
     explicit clsProgramFunctionList(const EngineServices& services, EngineOptions options = {})

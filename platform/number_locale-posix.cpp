@@ -56,8 +56,12 @@ NumberLocale NumberLocale::user() {
 
     NumberLocale locale = pointDecimal();
     const std::u16string decimalMark = fromThreadEncoding(nl_langinfo_l(RADIXCHAR, environment.get()));
+    const std::u16string groupMark = fromThreadEncoding(nl_langinfo_l(THOUSEP, environment.get()));
+    // The plain language of a system without settings groups nothing. Its users get the settings that a Windows without
+    // any has, so that a script means the same on both.
+    if (decimalMark == locale.decimalMark && groupMark.empty()) return locale;
     if (!decimalMark.empty()) locale.decimalMark = decimalMark;
-    locale.groupMark = fromThreadEncoding(nl_langinfo_l(THOUSEP, environment.get()));
+    locale.groupMark = groupMark;
     // The first character tells where the symbol stands beside an amount.
     const char* currency = nl_langinfo_l(CRNCYSTR, environment.get());
     locale.currencySymbol = fromThreadEncoding(*currency == '\0' ? currency : currency + 1);

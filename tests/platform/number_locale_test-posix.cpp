@@ -29,12 +29,14 @@ private:
     std::optional<std::string> before_;
 };
 
-TEST(NumberLocale, UserOfThePlainLanguageWritesAPointAndNoGroups) {
-    const LanguageOfEnvironment environment("C");
-    const NumberLocale locale = NumberLocale::user();
-    EXPECT_EQ(locale.decimalMark, u".");
-    EXPECT_EQ(locale.groupMark, u"");
-    EXPECT_EQ(locale.currencySymbol, u"");
+TEST(NumberLocale, UserOfThePlainLanguageWritesAsAPointDecimalUser) {
+    for (const char* language : {"C", "C.UTF-8", "POSIX"}) {
+        const LanguageOfEnvironment environment(language);
+        const NumberLocale locale = NumberLocale::user();
+        EXPECT_EQ(locale.decimalMark, u".") << language;
+        EXPECT_EQ(locale.groupMark, u",") << language;
+        EXPECT_EQ(locale.currencySymbol, u"$") << language;
+    }
 }
 
 TEST(NumberLocale, UserOfAnUnknownLanguageWritesAPoint) {
