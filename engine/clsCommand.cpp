@@ -44,6 +44,7 @@ bool clsCommand::ProcessParameterList(std::u16string_view afterKeyword) {
     return SetParameters(SplitAtCloseBracket(afterKeyword));
 }
 
+// Kept: items made for parameters stay in the data memory when the statement is then refused.
 bool clsCommand::SetParameters(std::u16string_view tParamList) {
     const FunctionDefinition& definition = functionDefinition(kind_);
     Binding binding;
@@ -103,6 +104,7 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
         }
         name = rewritten;
     }
+    // Kept: an empty parameter finds the first literal, since literals have no name.
     std::int32_t position = 0;
     if (memory.FindItem(name, position)) {
         const clsData item = memory.Item(position);
@@ -121,25 +123,25 @@ clsData clsCommand::CreateLiteralItem(std::u16string_view token) const {
     return literal;
 }
 
+// The first failure ends the test, unless every fault is wanted.
 bool clsCommand::CheckParameterTypes(const Binding& binding) const {
     const FunctionDefinition& definition = functionDefinition(kind_);
-    for (std::int32_t i = 0; i < definition.ParamCount; ++i) {
+    bool fits = true;
+    for (std::int32_t i = 0; i < definition.ParamCount && (fits || engine().isChecking()); ++i) {
         const auto slot = static_cast<std::size_t>(i);
         const std::int32_t actual = binding.actualTypes[slot];
         const std::int32_t allowed = definition.Params[slot].ParamType;
-        if (actual == ptUndeclared) {
-            if (allowed != ptLabel) {
-                engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
-                return false;
-            }
+        if (actual == ptUndeclared && allowed == ptLabel) {
             engine().noteForwardReference(binding.slots[slot], binding.tokens[slot]);
-            continue;
+        } else if (actual == ptUndeclared) {
+            engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
+            fits = false;
+        } else if ((actual & allowed) != actual) {
+            engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), binding.tokens[slot]);
+            fits = false;
         }
-        if ((actual & allowed) == actual) continue;
-        engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), binding.tokens[slot]);
-        return false;
     }
-    return true;
+    return fits;
 }
 
 void clsCommand::DebugPrintParamList(TraceSink& sink, const NumberLocale& locale) const {

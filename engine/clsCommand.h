@@ -1,5 +1,7 @@
 #pragma once
 
+// The accessors of parameters are defined in loaded_script.h, which knows where the items are.
+
 #include <cstdint>
 #include <string_view>
 
@@ -34,7 +36,7 @@ public:
     /// Assigns the item's current value. Errors as above.
     void setParamValue(std::int32_t tIndex, Value value) const { ParamPtr(tIndex).setCurrentValue(std::move(value)); }
     /// The item itself. Errors as above.
-    clsData ParamPtr(std::int32_t tIndex) const;
+    inline clsData ParamPtr(std::int32_t tIndex) const;
 
     /// Traces one line for each bound parameter.
     void DebugPrintParamList(TraceSink& sink, const NumberLocale& locale) const;

@@ -87,10 +87,11 @@ public:
 
     /// Loads a whole script in place of the present one. False when it is rejected: the first error was shown to the
     /// operator, and what was declared and bound up to it stays. False without a message when a run-time error (memory,
-    /// a number out of range) stopped the load.
+    /// a number out of range) stopped it at one of its lines.
     bool CreateCommandList(std::u16string_view tScriptString);
 
     /// The same, but the load goes on after a rejected line, nothing is shown, and every fault is told to `faults`.
+    /// Exhausted memory passes to the caller.
     bool CheckCommandList(std::u16string_view tScriptString, FaultListener& faults);
 
     /// Reports a syntax error on the current line: the first of a load is shown, all are counted. `where` may be the
@@ -152,6 +153,7 @@ public:
     // For statements and the statement table
 
     LoadedScript& script() { return *script_; }
+    bool isChecking() const { return check_ != nullptr; }
     /// A statement uses the item at `position` as a label that is not defined yet.
     void noteForwardReference(std::uint32_t position, std::u16string_view where);
 
@@ -209,6 +211,7 @@ private:
     void reportDuplicateLabel(std::u16string_view name);
     bool parseVariable(std::u16string_view line);
     bool parseConstant(std::u16string_view line);
+    bool parseEmptyConstant(std::u16string_view name);
     bool parseEnvironmentVariable(std::u16string_view line);
     bool parseStatement(std::u16string_view line);
     bool resolveLabels();
@@ -222,7 +225,7 @@ private:
     std::int32_t execute(const clsCommand& command, std::int32_t& address);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
-    bool PushReturnAddress(std::int32_t address);
+    void PushReturnAddress(std::int32_t address);
     bool PopReturnAddress(std::int32_t& address);
     void traceStatement(std::u16string_view introduction, const clsCommand& command);
 

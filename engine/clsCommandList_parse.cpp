@@ -2,6 +2,7 @@
 // to clsCommand. The doors are CreateCommandList and CheckCommandList, which differ only in what becomes of a fault.
 
 #include <algorithm>
+#include <functional>
 #include <new>
 #include <string>
 #include <unordered_set>
@@ -66,13 +67,34 @@ Declaration splitDeclaration(std::u16string_view line, std::u16string_view keywo
     return {name, TrimBlanksAndTabs(rest)};
 }
 
-/// The number that a declaration's value is, or none when it is a string.
-std::optional<float> declaredNumber(std::u16string_view value, const NumberLocale& locale) {
-    if (const std::optional<float> number = plainNumber(value, locale)) return number;
-    std::u16string text(value);
-    if (!IsNumericText(text, locale)) return std::nullopt;
-    return toSingle(Value::ofText(text), locale);
-}
+/// A declaration's value after the numeric test. The test may rewrite a text and refuse it all the same; what it leaves
+/// is then the string.
+class DeclaredValue {
+public:
+    DeclaredValue(std::u16string_view value, const NumberLocale& locale)
+        : text_(value), plain_(plainNumber(value, locale)) {
+        if (plain_ || beginsAsName(value, locale)) return;
+        rewritten_ = value;
+        isNumericText_ = IsNumericText(rewritten_, locale);
+        text_ = rewritten_;
+    }
+    DeclaredValue(const DeclaredValue&) = delete;
+    DeclaredValue& operator=(const DeclaredValue&) = delete;
+
+    bool isNumber() const { return plain_ || isNumericText_; }
+    /// Error 6 for a number that is no single.
+    Value value(const NumberLocale& locale) const {
+        if (plain_) return Value::ofSingle(*plain_);
+        if (isNumericText_) return Value::ofSingle(toSingle(Value::ofText(text_), locale));
+        return Value::ofText(StripQuotes(text_));
+    }
+
+private:
+    std::u16string_view text_;
+    std::u16string rewritten_;
+    std::optional<float> plain_;
+    bool isNumericText_ = false;
+};
 
 }  // namespace
 
@@ -100,8 +122,10 @@ struct clsCommandList::Check {
     }
     /// Where a stretch of the present line begins; the line's first mark when it is no part of the line.
     std::int32_t columnOf(std::u16string_view where) const {
-        const bool within = where.data() >= line.data() && where.data() <= line.data() + line.size();
-        if (where.data() != nullptr && within) return static_cast<std::int32_t>(where.data() - line.data());
+        const std::less_equal<const char16_t*> notBehind;  // a total order, also over other texts
+        const bool isWithin =
+            notBehind(line.data(), where.data()) && notBehind(where.data(), line.data() + line.size());
+        if (where.data() != nullptr && isWithin) return static_cast<std::int32_t>(where.data() - line.data());
         return static_cast<std::int32_t>(std::min(line.find_first_not_of(u" \t"), line.size()));
     }
     void report(std::u16string_view message, std::u16string_view where, bool rejects = true) {
@@ -154,6 +178,7 @@ bool clsCommandList::load(std::u16string_view text, Check* check) {
     } catch (const automation_error&) {
         trapped = true;
     } catch (const std::bad_alloc&) {
+        if (check != nullptr) throw;  // an answer without a fault would say nothing
         trapped = true;
     }
     if (trapped) return false;
@@ -191,6 +216,7 @@ void clsCommandList::checkLine(std::u16string_view line) {
     try {
         parseLine(line);
     } catch (const automation_error& error) {
+        ++syntaxErrorCount_;
         check_->report(fromUtf8(error.what()), {});
     }
 }
@@ -222,7 +248,7 @@ bool clsCommandList::parseScriptLine(std::u16string_view line) {
 
 bool clsCommandList::parseLabel(std::u16string_view line) {
     traceKind(u"   o Line is a Label");
-    const std::u16string_view name = line.substr(0, line.size() - 1);
+    const std::u16string_view name = line.substr(0, line.size() - 1);  // Kept: a blank before the colon belongs to it
     const Value address = Value::ofLong(commandCount());
     clsDataList& memory = DataMemory();
     std::int32_t position = 0;
@@ -233,7 +259,7 @@ bool clsCommandList::parseLabel(std::u16string_view line) {
     clsData item = memory.Item(position);
     if (item.ParameterType() != ptUndeclared) {
         reportDuplicateLabel(name);
-        return true;
+        return true;  // Kept: the load goes on and may be accepted; the first definition stays in force
     }
     item.setParameterType(ptLabel);
     item.setInitialValue(address);
@@ -253,15 +279,10 @@ void clsCommandList::reportDuplicateLabel(std::u16string_view name) {
 bool clsCommandList::parseVariable(std::u16string_view line) {
     traceKind(u"   o Line is a Variable");
     const auto [name, value] = splitDeclaration(line, variableKeyword);
-    clsData item = DataMemory().AddItem(name, ptNumber, Value::ofInteger(0));
-    if (!value.empty()) {
-        if (const std::optional<float> number = declaredNumber(value, locale())) {
-            item.setInitialValue(Value::ofSingle(*number));
-        } else {
-            item.setInitialValue(Value::ofText(StripQuotes(value)));
-            item.setParameterType(ptString);
-        }
-    }
+    const DeclaredValue declared(value, locale());
+    const bool isNumber = value.empty() || declared.isNumber();
+    clsData item = DataMemory().AddItem(name, isNumber ? ptNumber : ptString, Value::ofInteger(0));
+    if (!value.empty()) item.setInitialValue(declared.value(locale()));
     raiseDeclaration(HostEvent::VariableAdded, name, item.InitialValue());
     return true;
 }
@@ -269,20 +290,25 @@ bool clsCommandList::parseVariable(std::u16string_view line) {
 bool clsCommandList::parseConstant(std::u16string_view line) {
     traceKind(u"   o Line is a Constant");
     const auto [name, value] = splitDeclaration(line, constantKeyword);
-    clsData item = DataMemory().AddItem(name, value.empty() ? ptUndeclared : numericConstant, Value::ofInteger(0));
-    if (!value.empty()) {
-        if (const std::optional<float> number = declaredNumber(value, locale())) {
-            item.setInitialValue(Value::ofSingle(*number));
-        } else {
-            item.setInitialValue(Value::ofText(StripQuotes(value)));
-            item.setParameterType(stringConstant);
-        }
-    }
-    // Kept: raised for a constant without a value as well, before the load stops.
+    if (value.empty()) return parseEmptyConstant(name);
+    const DeclaredValue declared(value, locale());
+    clsData item =
+        DataMemory().AddItem(name, declared.isNumber() ? numericConstant : stringConstant, Value::ofInteger(0));
+    item.setInitialValue(declared.value(locale()));
     raiseDeclaration(HostEvent::ConstantAdded, name, item.InitialValue());
-    return !value.empty();
+    return true;
 }
 
+// Kept: the event is raised for a constant without a value as well, before the load stops. A check goes on, and takes
+// the name for a constant, so that its uses are no faults of their own.
+bool clsCommandList::parseEmptyConstant(std::u16string_view name) {
+    const clsData item =
+        DataMemory().AddItem(name, check_ == nullptr ? ptUndeclared : numericConstant, Value::ofInteger(0));
+    raiseDeclaration(HostEvent::ConstantAdded, name, item.InitialValue());
+    return false;
+}
+
+// Kept: the value is the text as it stands, with its quotes and "|".
 bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
     traceKind(u"   o Line is a Constant");  // Kept: the text of constants
     const auto [name, value] = splitDeclaration(line, environmentKeyword);
@@ -314,8 +340,9 @@ bool clsCommandList::resolveLabels() {
         std::unordered_set<std::uint32_t> reported;  // each label at its first use only
         for (const Check::ForwardReference& reference : check_->forwardReferences) {
             const clsData item = memory.at(reference.item);
-            if (item.ParameterType() == ptUndeclared && reported.insert(reference.item).second)
-                check_->reportUndefinedLabel(reference, message(item));
+            if (item.ParameterType() != ptUndeclared || !reported.insert(reference.item).second) continue;
+            ++syntaxErrorCount_;
+            check_->reportUndefinedLabel(reference, message(item));
         }
         return !check_->rejected;
     }
@@ -329,14 +356,13 @@ bool clsCommandList::resolveLabels() {
 }
 
 void clsCommandList::SyntaxError(std::u16string_view tMsg, std::u16string_view where) {
-    ++syntaxErrorCount_;
     if (check_ != nullptr) {
         check_->report(tMsg, where);
-        return;
+    } else if (syntaxErrorCount_ == 0) {
+        const std::u16string title = u"Syntax Error on Line " + decimal(currentLine_);
+        services_.dialogs.showMessage({.text = tMsg, .caption = title, .style = okExclamationStyle, .helpFile = {}});
     }
-    if (syntaxErrorCount_ != 1) return;
-    const std::u16string title = u"Syntax Error on Line " + decimal(currentLine_);
-    services_.dialogs.showMessage({.text = tMsg, .caption = title, .style = okExclamationStyle, .helpFile = {}});
+    ++syntaxErrorCount_;
 }
 
 void clsCommandList::noteForwardReference(std::uint32_t position, std::u16string_view where) {

@@ -36,7 +36,7 @@ bool clsCommandList::ExecuteList() {
 
     stopExecution_ = false;
     userLocale_.reset();
-    bool result = true;
+    bool result = true;  // Kept: a failed statement leaves it so; CommandError tells of that
     if (initialiseData()) result = runStatements();
     if (traceSink_ != nullptr)
         traceSink_->trace(doRuntimeResults, std::u16string(u"ExecuteList Result: ") + (result ? u"True" : u"False"));
@@ -113,7 +113,7 @@ bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target
             programCounter = addressPlus(target, -1);
             break;
         case crCall:
-            if (!PushReturnAddress(addressPlus(programCounter, 1))) keepRunning = false;
+            PushReturnAddress(addressPlus(programCounter, 1));
             programCounter = addressPlus(target, -1);
             break;
         case crJump: programCounter = addressPlus(target, -1); break;
@@ -128,9 +128,10 @@ bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target
     return false;
 }
 
-bool clsCommandList::PushReturnAddress(std::int32_t address) {
+void clsCommandList::PushReturnAddress(std::int32_t address) {
+    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+    if (callStack_.size() == most) throw automation_error(ErrorNumber::Overflow);
     callStack_.push_back(address);
-    return true;
 }
 
 bool clsCommandList::PopReturnAddress(std::int32_t& address) {

@@ -1,5 +1,6 @@
 #include "engine/clsDataList.h"
 
+#include <limits>
 #include <string>
 
 #include "platform/automation_error.h"
@@ -16,7 +17,8 @@ clsDataList::~clsDataList() {
 }
 
 clsData clsDataList::AddItem(std::u16string_view identifier, std::int32_t typeCode, Value initialValue) {
-    if (items_.size() >= NameIndex::none) throw automation_error(ErrorNumber::OutOfMemory);
+    if (items_.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+        throw automation_error(ErrorNumber::OutOfMemory);
     const auto position = static_cast<std::uint32_t>(items_.size());
     Record record;
     if (!identifier.empty()) {
@@ -45,7 +47,17 @@ void clsDataList::enterInIndex(std::uint32_t position) {
         ++irregularCount_;
         return;
     }
-    if (index_) index_->insert(identifier(items_[position]), code, position);
+    if (index_) insertInIndex(position);
+}
+
+// An index that lacks an item would deny it: one that cannot be completed is given up until the next lookup.
+void clsDataList::insertInIndex(std::uint32_t position) {
+    try {
+        index_->insert(identifier(items_[position]), typeCode(position), position);
+    } catch (...) {
+        index_.reset();
+        throw;
+    }
 }
 
 void clsDataList::leaveIndex(std::uint32_t position) {
@@ -72,7 +84,7 @@ bool clsDataList::FindItem(std::u16string_view tParamName, std::int32_t& tIndex,
     if (irregularCount_ != 0) return findByWalk(tParamName, tIndex, tRequiredParamType);
     if (!index_) {
         index_.emplace();
-        for (std::uint32_t i = 0; i < items_.size(); ++i) index_->insert(identifier(items_[i]), typeCode(i), i);
+        for (std::uint32_t i = 0; i < items_.size(); ++i) insertInIndex(i);
     }
     const std::uint32_t position = index_->find(tParamName, tRequiredParamType);
     tIndex = position == NameIndex::none ? Count() : static_cast<std::int32_t>(position);

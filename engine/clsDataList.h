@@ -144,6 +144,7 @@ private:
     const EditProperties& edit(std::uint32_t position) const;
     bool findByWalk(std::u16string_view name, std::int32_t& index, std::int32_t filter) const;
     void enterInIndex(std::uint32_t position);
+    void insertInIndex(std::uint32_t position);
     void leaveIndex(std::uint32_t position);
 
     EngineListener* const& listener_;

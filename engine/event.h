@@ -73,7 +73,8 @@ class EventSink {
 public:
     virtual ~EventSink() = default;
     /// Does the work that the event asks for and answers through it. An event left unanswered keeps `tSucess` false.
-    /// An exception ends the run and passes to the caller of `RunScript`.
+    /// An exception ends the run, or the load, and passes to its caller; but a load traps automation errors and
+    /// exhausted memory, and answers false.
     virtual void raise(Event& event) = 0;
 };
 

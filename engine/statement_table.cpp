@@ -181,7 +181,7 @@ extern constexpr std::array<StatementRow, statementKindCount> statementTable = {
      {{Number, u"Measure"}, {Number, u"Force"}, {Number, u"Air Velocity mm/s"}, {Number, u"Pressure"},
       {Number, u"Hold Time"}, {Number, u"Min Height"}, {Number, u"Channel 1 or 2 (0 = Both)"},
       {Anything, u"Parameter 7"}}, raises(HostEvent::PressureControl)},
-    // Kept: runs as Info does, its FunctionCalled included; see clsCommandList::ExecuteCommand.
+    // Kept: runs as Info does, its FunctionCalled included; see clsCommandList::execute, which never asks this row how.
     {ctBlockStart, u"BlockStart", 1, u"",
      {{String, u"Block Identification"}}, inside(&clsCommandList::executeInfo)},
 }};

@@ -6,8 +6,8 @@
 
 #include "platform/text.h"
 
-/// The cuts that statement and declaration text is taken apart with. All of them work on views of the script's text:
-/// nothing is copied before a literal is stored.
+/// The cuts that statement and declaration text is taken apart with. The cuts are views of the script's text; a text of
+/// its own is made only of what is stored.
 namespace corvane {
 
 inline constexpr char16_t doubleQuote = u'"';

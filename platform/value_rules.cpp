@@ -100,7 +100,7 @@ bool beginsAsName(std::u16string_view text, const NumberLocale& locale) {
     const char16_t first = text.front();
     const bool isLetter = (first >= u'a' && first <= u'z') || (first >= u'A' && first <= u'Z');
     // An exponent may stand in front of the digits that it belongs to, and a currency symbol may begin with a letter.
-    return isLetter && first != u'e' && first != u'E' && !locale.currencySymbol.starts_with(first) &&
+    return (isLetter || first == u'"') && first != u'e' && first != u'E' && !locale.currencySymbol.starts_with(first) &&
            !locale.decimalMark.starts_with(first);
 }
 

@@ -19,8 +19,8 @@ namespace corvane {
 /// The general numeric test: whether the platform converts `text` to a 64-bit float.
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
 
-/// Whether `text` begins as no number does, so that neither the numeric test nor the strict one can accept it: a quick
-/// answer for names. False where only the tests can tell.
+/// Whether `text` begins as no number does (with a letter or a double quote), so that neither the numeric test nor the
+/// strict one can accept it: a quick answer for names and strings. False where only the tests can tell.
 bool beginsAsName(std::u16string_view text, const NumberLocale& locale);
 
 /// The value of a plainly written script number: an optional minus, digits, at most one decimal mark, seven digits at

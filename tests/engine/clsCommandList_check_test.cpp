@@ -150,10 +150,29 @@ TEST_F(ScriptCheck, ATrappedFailureAloneRejectsTheScript) {
     EXPECT_FALSE(accepted);
 }
 
-TEST_F(ScriptCheck, LackOfMemoryEndsTheCheck) {
+TEST_F(ScriptCheck, LackOfMemoryPassesToTheCaller) {
     owner.onEvent = [](Event&) { throw std::bad_alloc(); };
-    EXPECT_EQ(check(u"VAR X = 1\nnonsense"), Lines());
-    EXPECT_FALSE(accepted);
+    EXPECT_THROW(check(u"VAR X = 1\nnonsense"), std::bad_alloc);
+    owner.onEvent = nullptr;
+    EXPECT_EQ(check(u"Park"), Lines());
+    EXPECT_TRUE(accepted);
+}
+
+TEST_F(ScriptCheck, ReportsEveryParameterOfAStatement) {
+    EXPECT_EQ(
+        check(u"IfEqual(Bad, \"text\", Nowhere)\nGoto(Nowhere)"),
+        Lines({"0:8: Undeclared identifier", "0:13: Incorrect parameter type: 2", "0:21: Undefined Label: Nowhere"}));
+}
+
+TEST_F(ScriptCheck, TakesAConstantWithoutAValueForAConstant) {
+    EXPECT_EQ(check(u"CONST C\nVAR X\nSet(X, C)\nSet(C, X)"),
+              Lines({"0:0: Invalid input:\r\n\r\n'CONST C'", "3:4: Incorrect parameter type: 1"}));
+}
+
+TEST_F(ScriptCheck, CountsAsManySyntaxErrorsAsFaults) {
+    const Lines faults = check(u"nonsense\nVAR X = 1e39\nGoto(Nowhere)\nL:\nL:");
+    EXPECT_EQ(faults.size(), 4u);
+    EXPECT_EQ(engine.syntaxErrorCount(), 4);
 }
 
 TEST_F(ScriptCheck, RaisesTheDeclarationsAsALoadDoes) {

@@ -1061,5 +1061,13 @@ TEST_F(ScriptParser, SurvivesAnyText) {
     designed.setListener(nullptr);
 }
 
+TEST_F(ScriptParser, ADeclaredTextIsWhatTheNumericTestLeavesOfIt) {
+    // Beyond any number, so both tests refuse it; the strict one has dropped the comma by then.
+    const std::u16string nines(400, u'9');
+    ASSERT_TRUE(load(u"VAR X = " + nines + u",\nCONST C = " + nines + u","));
+    EXPECT_EQ(item(u"X").InitialValue().textView().size(), 398u);
+    EXPECT_EQ(item(u"C").InitialValue().textView().size(), 398u);
+}
+
 }  // namespace
 }  // namespace corvane

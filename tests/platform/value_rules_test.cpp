@@ -493,7 +493,8 @@ TEST(PlainNumber, IsWhatTheFullRulesMakeOfTheText) {
 }
 
 TEST(BeginsAsName, IsTrueForNamesAndNeverForWhatTheNumericTestAdmits) {
-    for (const std::u16string_view name : {u"Count", u"x", u"Zero", u"h12"}) EXPECT_TRUE(beginsAsName(name, point));
+    for (const std::u16string_view name : {u"Count", u"x", u"Zero", u"h12", u"\"1\""})
+        EXPECT_TRUE(beginsAsName(name, point));
     for (const std::u16string_view other :
          {u"", u"1", u"-x", u"_x", u"Energy", u"e1,5", u"&H1", u" x", u"\u00E9t\u00E9"})
         EXPECT_FALSE(beginsAsName(other, point)) << printable(other);
@@ -507,7 +508,7 @@ TEST(BeginsAsName, IsTrueForNamesAndNeverForWhatTheNumericTestAdmits) {
 }
 
 TEST(BeginsAsName, NoTextThatItAnswersIsNumeric) {
-    constexpr std::u16string_view units = u"aeEhHk1-+.,&$( ";
+    constexpr std::u16string_view units = u"aeEhHk1-+.,&$( \"";
     for (const NumberLocale& locale : {point, comma}) {
         std::u16string text;
         const auto extend = [&](const auto& self, int length) -> void {
