@@ -51,9 +51,9 @@ const Json& array(const Json& node, const std::string& path) {
 }
 
 void admitOnly(const Json& node, std::initializer_list<const char*> keys, const std::string& path) {
-    for (const auto& [key, value] : node.items()) {
-        const bool known = std::any_of(keys.begin(), keys.end(), [&](const char* k) { return key == k; });
-        if (!known) refuse(below(path, key), "is not known here");
+    for (const auto& member : node.items()) {
+        const bool known = std::any_of(keys.begin(), keys.end(), [&](const char* key) { return member.key() == key; });
+        if (!known) refuse(below(path, member.key()), "is not known here");
     }
 }
 
@@ -95,14 +95,15 @@ Value answerOf(const EventArgument& argument, const Json& node, const std::strin
 
 EventAnswer eventAnswer(const EventRow& row, const Json& node, const std::string& path) {
     EventAnswer values;
-    for (const auto& [name, value] : object(node, path).items()) {
+    for (const auto& member : object(node, path).items()) {
         const auto* first = row.arguments.begin();
         const auto* last = first + row.argumentCount;
-        const auto* argument = std::find_if(first, last, [&](const EventArgument& a) { return a.name == name; });
-        const std::string place = below(path, name);
+        const auto* argument =
+            std::find_if(first, last, [&](const EventArgument& a) { return a.name == member.key(); });
+        const std::string place = below(path, member.key());
         if (argument == last) refuse(place, std::string(row.name) + " has no such argument");
         if (!argument->byReference) refuse(place, "is passed by value and takes no answer");
-        values.emplace_back(argument - first, answerOf(*argument, value, place));
+        values.emplace_back(argument - first, answerOf(*argument, member.value(), place));
     }
     return values;
 }

@@ -2,10 +2,9 @@
 
 namespace corvane {
 
-Console::Console() = default;
-Console::~Console() = default;
+std::shared_ptr<void> prepareConsole() { return nullptr; }
 
-std::vector<std::string> Console::arguments(int count, char** texts) {
+std::vector<std::string> commandLineArguments(int count, char** texts) {
     if (count == 0) return {};
     return {texts + 1, texts + count};
 }

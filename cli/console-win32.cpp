@@ -11,22 +11,37 @@
 #include "platform/utf8.h"
 
 namespace corvane {
+namespace {
 
-Console::Console() : inputCodePage_(GetConsoleCP()), outputCodePage_(GetConsoleOutputCP()) {
-    SetConsoleCP(CP_UTF8);
-    SetConsoleOutputCP(CP_UTF8);
+/// The console outlives the program and belongs to others then.
+class CodePages {
+public:
+    CodePages() : input_(GetConsoleCP()), output_(GetConsoleOutputCP()) {
+        SetConsoleCP(CP_UTF8);
+        SetConsoleOutputCP(CP_UTF8);
+    }
+    CodePages(const CodePages&) = delete;
+    CodePages& operator=(const CodePages&) = delete;
+    ~CodePages() {
+        if (input_ != 0) SetConsoleCP(input_);
+        if (output_ != 0) SetConsoleOutputCP(output_);
+    }
+
+private:
+    UINT input_;
+    UINT output_;
+};
+
+}  // namespace
+
+std::shared_ptr<void> prepareConsole() {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
-}
-
-// The console outlives the program and belongs to others then.
-Console::~Console() {
-    if (inputCodePage_ != 0) SetConsoleCP(inputCodePage_);
-    if (outputCodePage_ != 0) SetConsoleOutputCP(outputCodePage_);
+    return std::make_shared<CodePages>();
 }
 
 // The arguments that C hands over have gone through the code page, which has not every character.
-std::vector<std::string> Console::arguments(int, char**) {
+std::vector<std::string> commandLineArguments(int, char**) {
     int count = 0;
     wchar_t** const texts = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> arguments;

@@ -1,24 +1,16 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace corvane {
 
-/// The program's connection to its console as long as it lives: UTF-8, no translation of line ends.
-class Console {
-public:
-    Console();
-    Console(const Console&) = delete;
-    Console& operator=(const Console&) = delete;
-    ~Console();
+/// Makes the program's console one of UTF-8 without translation of line ends. It becomes again what it was when the
+/// result goes.
+std::shared_ptr<void> prepareConsole();
 
-    /// The arguments without the program's name, UTF-8.
-    static std::vector<std::string> arguments(int count, char** texts);
-
-private:
-    unsigned inputCodePage_ = 0;
-    unsigned outputCodePage_ = 0;
-};
+/// The arguments without the program's name, UTF-8.
+std::vector<std::string> commandLineArguments(int count, char** texts);
 
 }  // namespace corvane

@@ -9,18 +9,18 @@ namespace corvane {
 namespace {
 
 constexpr Vessel vessels[] = {
-    // id, name, diameter, floor, rim
-    {1, "tall", 60, 0, 130},
-    {2, "narrow", 30, 0, 90},
-    {3, "shear", 60, 0, 60},
-    {4, "aeration", 60, 5, 125},
+    // id, diameter, floor, rim, name
+    {1, 60, 0, 130, "tall"},
+    {2, 30, 0, 90, "narrow"},
+    {3, 60, 0, 60, "shear"},
+    {4, 60, 5, 125, "aeration"},
 };
 
 constexpr Blade blades[] = {
-    {1, "blade", 57},
-    {2, "narrow blade", 28},
-    {3, "piston", 59},
-    {4, "shear head", 58},
+    {1, 57, "blade"},
+    {2, 28, "narrow blade"},
+    {3, 59, "piston"},
+    {4, 58, "shear head"},
 };
 
 }  // namespace

@@ -61,10 +61,10 @@ inline constexpr double textCommandSeconds = 0.5;
 /// A vessel that can be put in; heights are measured from the instrument's zero.
 struct Vessel {
     int id;
-    const char* name;
     float diameter;  ///< mm
     float floor;     ///< mm
     float rim;       ///< mm
+    const char* name;
     /// The area of its powder's surface, mm².
     float area() const { return 3.14159265F / 4 * diameter * diameter; }
 };
@@ -72,8 +72,8 @@ struct Vessel {
 /// A tool on the spindle.
 struct Blade {
     int id;
-    const char* name;
     float diameter;  ///< mm
+    const char* name;
 };
 
 /// The vessel, or null. 1 tall, 2 narrow, 3 shear, 4 aeration.

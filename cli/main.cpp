@@ -21,12 +21,12 @@ int exitCodeOf(corvane::ExitCode code) { return static_cast<int>(code); }
 }  // namespace
 
 int main(int argc, char** argv) {
-    const corvane::Console console;
+    const std::shared_ptr<void> console = corvane::prepareConsole();
     std::ios::sync_with_stdio(false);
     std::signal(SIGINT, noteInterruption);
     corvane::ExitCode code = corvane::ExitCode::RunFailed;
     try {
-        code = corvane::runCommandLine(corvane::Console::arguments(argc, argv),
+        code = corvane::runCommandLine(corvane::commandLineArguments(argc, argv),
                                        {std::cin, std::cout, std::cerr, [] { return interruptions != 0; }});
     } catch (const std::bad_alloc&) {
         std::cerr << "corvane: automation error 7 (Out of memory)\n";

@@ -115,8 +115,6 @@ RunOutcome RunWatch::outcome() const {
 
 RunOutcome RunWatch::outcome(const automation_error& error) const {
     RunOutcome outcome = unfinished(RunOutcome::Ending::AutomationError);
-    // Between two statements none is to blame: the list is empty.
-    if (started_ == completed_) outcome.address = outcome.line = std::nullopt;
     outcome.errorNumber = static_cast<std::int32_t>(error.number());
     outcome.reason = error.what();
     return outcome;
