@@ -5,13 +5,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <span>
 #include <utility>
 
-#include "engine/operator_dialogs.h"
+#include "cli/control_character.h"
+#include "cli/message_buttons.h"
 #include "platform/utf8.h"
 
 namespace corvane {
@@ -122,20 +123,22 @@ void readEvent(Answers& answers, const EventRow& row, const Json& node, const st
     }
 }
 
-struct AnswerWord {
-    std::string_view word;
-    std::int32_t code;
-};
-constexpr AnswerWord answerWords[] = {
-    {"ok", okAnswer},         {"cancel", cancelAnswer}, {"abort", abortAnswer}, {"retry", retryAnswer},
-    {"ignore", ignoreAnswer}, {"yes", yesAnswer},       {"no", noAnswer},
-};
+/// The words of all buttons: "yes", "no" or "ok".
+std::string buttonWords() {
+    const std::span<const MessageButton> buttons = messageButtons();
+    std::string words;
+    for (const MessageButton& button : buttons) {
+        if (&button != &buttons.front()) words += &button == &buttons.back() ? " or " : ", ";
+        words.append("\"").append(button.word).append("\"");
+    }
+    return words;
+}
 
 std::int32_t messageAnswer(const Json& node, const std::string& path) {
     if (node.is_string())
-        for (const AnswerWord& word : answerWords)
-            if (node.get_ref<const std::string&>() == word.word) return word.code;
-    refuse(path, "must be \"yes\", \"no\", \"ok\", \"cancel\", \"abort\", \"retry\" or \"ignore\"");
+        for (const MessageButton& button : messageButtons())
+            if (node.get_ref<const std::string&>() == button.word) return button.answer;
+    refuse(path, "must be " + buttonWords());
 }
 
 TypedInput typedInput(const Json& node, const std::string& path) {
@@ -173,19 +176,44 @@ Answers answersOf(const Json& root) {
     return answers;
 }
 
-/// Of two members of one name the library would keep the last without a word.
-class DuplicateKeys {
+/// Follows the reading to know where it is, and refuses two members of one name, of which the library would keep the
+/// last without a word.
+class ReadingPlace {
 public:
     bool operator()(int, Json::parse_event_t event, Json& parsed) {
-        if (event == Json::parse_event_t::object_start) keys_.emplace_back();
-        if (event == Json::parse_event_t::object_end) keys_.pop_back();
-        if (event == Json::parse_event_t::key && !keys_.back().insert(parsed.get<std::string>()).second)
-            throw ContentFault{"the name " + quotedName(parsed.get<std::string>()) + " stands twice in one object"};
+        switch (event) {
+            case Json::parse_event_t::object_start: open_.push_back({false, 0, {}, {}}); break;
+            case Json::parse_event_t::array_start: open_.push_back({true, 0, {}, {}}); break;
+            case Json::parse_event_t::key: startMember(parsed.get<std::string>()); break;
+            case Json::parse_event_t::object_end:
+            case Json::parse_event_t::array_end: open_.pop_back(); [[fallthrough]];
+            case Json::parse_event_t::value:
+                if (!open_.empty()) ++open_.back().index;
+        }
         return true;
     }
 
+    /// Of the value that is being read.
+    std::string path() const {
+        std::string path;
+        for (const Open& open : open_) path = open.isArray ? below(path, open.index) : below(path, open.name);
+        return path;
+    }
+
 private:
-    std::vector<std::set<std::string>> keys_;
+    struct Open {
+        bool isArray;
+        std::size_t index;
+        std::string name;
+        std::set<std::string> names;
+    };
+
+    void startMember(const std::string& name) {
+        open_.back().name = name;
+        if (!open_.back().names.insert(name).second) refuse(path(), "stands twice in one object");
+    }
+
+    std::vector<Open> open_;
 };
 
 /// Line and column, from 1, of the byte that reading stopped at.
@@ -206,9 +234,7 @@ std::string withoutPreamble(const Json::exception& error) {
             text.erase(0, start + end.size());
     }
     std::u16string shown = fromUtf8(text);
-    std::replace_if(
-        shown.begin(), shown.end(), [](char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); },
-        u'\xFFFD');
+    std::replace_if(shown.begin(), shown.end(), isControl, u'\xFFFD');
     return toUtf8(shown);
 }
 
@@ -223,23 +249,18 @@ const EventAnswer* Answers::find(HostEvent event, std::int64_t occurrence) const
 AnswersResult readAnswers(std::string_view bytes) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
+    ReadingPlace place;
     try {
-        DuplicateKeys duplicates;
-        const Json root = Json::parse(bytes.begin(), bytes.end(), std::ref(duplicates));
+        const Json root = Json::parse(bytes.begin(), bytes.end(), std::ref(place));
         return {answersOf(root), {}};
     } catch (const Json::parse_error& error) {
         return {std::nullopt, placeOf(bytes, error.byte) + ": " + withoutPreamble(error)};
     } catch (const Json::out_of_range& error) {
-        return {std::nullopt, withoutPreamble(error)};
+        const std::string path = place.path();
+        return {std::nullopt, (path.empty() ? "/" : path) + ": " + withoutPreamble(error)};
     } catch (const ContentFault& fault) {
         return {std::nullopt, fault.text};
     }
-}
-
-std::string_view answerWord(std::int32_t code) {
-    const auto* word = std::find_if(std::begin(answerWords), std::end(answerWords),
-                                    [&](const AnswerWord& w) { return w.code == code; });
-    return word == std::end(answerWords) ? std::string_view() : word->word;
 }
 
 }  // namespace corvane

@@ -48,7 +48,4 @@ struct AnswersResult {
 /// Reads the JSON text of an answers file and checks all of it against the event table.
 AnswersResult readAnswers(std::string_view bytes);
 
-/// The word that a message box's answer code is known by in the file, or an empty one.
-std::string_view answerWord(std::int32_t code);
-
 }  // namespace corvane

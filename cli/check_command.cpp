@@ -77,8 +77,8 @@ ExitCode checkCommand(const CheckOptions& options, const Surroundings& surroundi
             writeText(file, surroundings);
     }
     if (options.json) json.endArray();
-    if (anyUnreadable) return ExitCode::NoInput;
-    return anyRejected ? ExitCode::ScriptRejected : ExitCode::Success;
+    if (anyRejected) return ExitCode::ScriptRejected;
+    return anyUnreadable ? ExitCode::NoInput : ExitCode::Success;
 }
 
 }  // namespace corvane

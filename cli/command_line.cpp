@@ -6,6 +6,8 @@
 #include <map>
 #include <ostream>
 
+#include "cli/script_check.h"
+
 namespace corvane {
 namespace {
 
@@ -106,6 +108,18 @@ CLI::App* addCatalogue(CLI::App& program, CatalogueOptions& options) {
     return command;
 }
 
+int reportUsage(const CLI::App& program, const CLI::ParseError& error, const Surroundings& surroundings) {
+    const std::vector<std::string> unknown = program.remaining();
+    // The library would only say that a command is missing.
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) && program.get_subcommands().empty() &&
+        !unknown.empty()) {
+        surroundings.errors << "'" << printable(unknown.front()) << "' is no command\n"
+                            << "Run with --help for more information.\n";
+        return error.get_exit_code();
+    }
+    return program.exit(error, surroundings.output, surroundings.errors);
+}
+
 }  // namespace
 
 ExitCode runCommandLine(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
@@ -128,8 +142,7 @@ ExitCode runCommandLine(const std::vector<std::string>& arguments, const Surroun
     try {
         program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
-        const int code = program.exit(error, surroundings.output, surroundings.errors);
-        return code == 0 ? ExitCode::Success : ExitCode::WrongUsage;
+        return reportUsage(program, error, surroundings) == 0 ? ExitCode::Success : ExitCode::WrongUsage;
     }
     if (runs->parsed()) return runCommand(run, surroundings);
     if (checks->parsed()) return checkCommand(check, surroundings);

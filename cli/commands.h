@@ -20,6 +20,8 @@ struct Surroundings {
     std::ostream& errors;
     /// Whether the user wants a run to stop; may be empty.
     std::function<bool()> interrupted;
+    /// Whether `input` is a terminal, which shows what is typed.
+    bool inputIsTerminal = true;
 };
 
 /// How numbers are read and written; none: as the present user does.

@@ -6,7 +6,9 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <csignal>
 #include <cstdio>
+#include <iostream>
 
 #include "platform/utf8.h"
 
@@ -39,6 +41,13 @@ std::shared_ptr<void> prepareConsole() {
     _setmode(_fileno(stderr), _O_BINARY);
     return std::make_shared<CodePages>();
 }
+
+// The system itself takes the handler away when it calls it, and ends a read from the console.
+void onInterruption(void (*noted)(int)) { std::signal(SIGINT, noted); }
+
+std::istream& standardInput() { return std::cin; }
+
+bool inputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
 
 // The arguments that C hands over have gone through the code page, which has not every character.
 std::vector<std::string> commandLineArguments(int, char**) {

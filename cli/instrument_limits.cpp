@@ -1,6 +1,7 @@
 #include "cli/instrument_limits.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "cli/json_writer.h"
@@ -26,9 +27,12 @@ constexpr Blade blades[] = {
 }  // namespace
 
 std::string Limit::refusal(float value) const {
-    if (value >= lowest && value <= highest) return {};
-    return std::string("the ") + quantity + ", " + numberText(value) + " " + unit + ", is outside " +
-           numberText(lowest) + " to " + numberText(highest) + " " + unit;
+    const std::string given = std::string("the ") + quantity + ", " + numberText(value) + " " + unit + ", is ";
+    if (!(value >= lowest && value <= highest))
+        return given + "outside " + numberText(lowest) + " to " + numberText(highest) + " " + unit;
+    if (value != 0 && std::abs(value) < leastNonZero)
+        return given + "neither 0 nor at least " + numberText(leastNonZero) + " " + unit;
+    return {};
 }
 
 const Vessel* findVessel(int id) {

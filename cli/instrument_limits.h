@@ -6,12 +6,14 @@
 /// What the simulated instrument can do, and how fast it does what a script does not say: every figure of it.
 namespace corvane {
 
-/// A range of a quantity; both ends are allowed.
+/// A range of a quantity; both ends are allowed. A value other than 0 must also have at least the size `leastNonZero`:
+/// work at next to no speed would never come to an end.
 struct Limit {
     const char* quantity;
     float lowest;
     float highest;
     const char* unit;
+    float leastNonZero = 0;
 
     /// Why the instrument refuses `value`; empty when it does not. What is no number is refused.
     std::string refusal(float value) const;
@@ -19,13 +21,13 @@ struct Limit {
 
 namespace limits {
 inline constexpr Limit travel{"height", -5, 250, "mm"};
-inline constexpr Limit tipSpeed{"tip speed", -150, 150, "mm/s"};
+inline constexpr Limit tipSpeed{"tip speed", -150, 150, "mm/s", 0.01F};
 inline constexpr Limit helixAngle{"helix angle", -90, 90, "degrees"};
 inline constexpr Limit carriageSpeed{"carriage speed", 0.01F, 30, "mm/s"};
 inline constexpr Limit force{"force", 0, 50, "N"};
 inline constexpr Limit pressure{"pressure", 0, 20, "kPa"};
 inline constexpr Limit normalStress{"normal stress", 0, 18, "kPa"};
-inline constexpr Limit shearRate{"shear rate", 0, 360, "degrees/min"};
+inline constexpr Limit shearRate{"shear rate", 0, 360, "degrees/min", 0.01F};
 inline constexpr Limit shearDistance{"shear distance", 0, 360, "degrees"};
 inline constexpr Limit airVelocity{"air velocity", 0, 60, "mm/s"};
 inline constexpr Limit duration{"duration", 0, 36000, "s"};

@@ -1,8 +1,10 @@
 #include "cli/json_writer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ostream>
 
+#include "cli/control_character.h"
 #include "platform/utf8.h"
 #include "platform/value_rules.h"
 
@@ -11,7 +13,6 @@ namespace {
 
 bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
 void appendEscape(std::string& text, char16_t unit) {
     constexpr char digits[] = "0123456789abcdef";
@@ -110,6 +111,10 @@ void JsonWriter::number(std::int64_t value) {
 }
 
 void JsonWriter::number(float value) {
+    if (!std::isfinite(value)) {
+        null();
+        return;
+    }
     startValue();
     output_ << numberText(value);
 }

@@ -36,6 +36,7 @@ public:
     void text(std::u16string_view value);
     void text(std::string_view utf8);
     void number(std::int64_t value);
+    /// JSON has no word for what is not finite: null.
     void number(float value);
     void boolean(bool value);
     void null();

@@ -10,11 +10,8 @@ namespace {
 
 volatile std::sig_atomic_t interruptions = 0;
 
-// The first asks for an end with a report; a second one ends the program as usual.
-void noteInterruption(int signal) {
-    interruptions = 1;
-    std::signal(signal, SIG_DFL);
-}
+// The first asks for an end with a report.
+void noteInterruption(int) { interruptions = 1; }
 
 int exitCodeOf(corvane::ExitCode code) { return static_cast<int>(code); }
 
@@ -23,11 +20,12 @@ int exitCodeOf(corvane::ExitCode code) { return static_cast<int>(code); }
 int main(int argc, char** argv) {
     const std::shared_ptr<void> console = corvane::prepareConsole();
     std::ios::sync_with_stdio(false);
-    std::signal(SIGINT, noteInterruption);
+    corvane::onInterruption(noteInterruption);
     corvane::ExitCode code = corvane::ExitCode::RunFailed;
     try {
         code = corvane::runCommandLine(corvane::commandLineArguments(argc, argv),
-                                       {std::cin, std::cout, std::cerr, [] { return interruptions != 0; }});
+                                       {corvane::standardInput(), std::cout, std::cerr,
+                                        [] { return interruptions != 0; }, corvane::inputIsTerminal()});
     } catch (const std::bad_alloc&) {
         std::cerr << "corvane: automation error 7 (Out of memory)\n";
     } catch (const std::exception& error) {

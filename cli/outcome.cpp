@@ -61,14 +61,16 @@ void RunWatch::CommandComplete(std::int32_t CommandNumber, std::int32_t CommandS
     ++completed_;
     nextAddress_ = CommandNumber;
     lastStatus_ = CommandStatus;
+    if (CommandStatus == crCall) ++openCalls_;
+    if (CommandStatus == crReturn && openCalls_ > 0) --openCalls_;
 }
 
 void RunWatch::CommandError(std::int32_t, std::int32_t) { failed_ = true; }
 
 bool RunWatch::isLastStatement() const {
     if (failed_ || engine_.programCounter() >= engine_.commandCount()) return true;
-    // A Return that found no address to go to stays where it is.
-    return engine_.programCounter() == *address_ && engine_.Command(*address_ + 1).CommandType() == ctReturn;
+    // The listener is told of the result only after KeepGoing, so this Return's own call is still among the open ones.
+    return openCalls_ == 0 && engine_.Command(*address_ + 1).CommandType() == ctReturn;
 }
 
 void RunWatch::noteEvent(const Event& event, std::string_view refusal) {

@@ -85,6 +85,7 @@ private:
     std::int64_t completed_ = 0;
     std::int32_t lastStatus_ = crNext;
     std::int32_t nextAddress_ = 0;
+    std::int64_t openCalls_ = 0;  // that no Return has ended yet
     bool failed_ = false;
     std::optional<RunOutcome::Ending> stop_;
     std::string stopReason_;

@@ -62,7 +62,9 @@ std::unique_ptr<OperatorDialogs> chosenDialogs(const RunOptions& options, const 
     if (options.unattended) return std::make_unique<NoOperator>();
     // A log for programs must not have questions between its lines.
     std::ostream& output = options.jsonLog ? surroundings.errors : surroundings.output;
-    return std::make_unique<TerminalDialogs>(surroundings.input, output, u"Corvane", locale);
+    return std::make_unique<TerminalDialogs>(
+        surroundings.input, output, u"Corvane", locale,
+        surroundings.inputIsTerminal ? TerminalDialogs::Typing::Seen : TerminalDialogs::Typing::Unseen);
 }
 
 RunOutcome runToItsEnd(clsScriptControl& control, const RunWatch& watch) {

@@ -1,23 +1,14 @@
 #include "cli/run_dialogs.h"
 
+#include <algorithm>
+#include <span>
+
+#include "cli/message_buttons.h"
 #include "platform/value_rules.h"
 #include "ui/input_rules.h"
 
 namespace corvane {
 namespace {
-
-/// The buttons of a style word, as bits by answer code.
-constexpr std::int32_t buttonBits(std::int32_t style) {
-    constexpr auto bits = [](auto... codes) { return ((1 << codes) | ...); };
-    switch (style & 0xF) {
-        case 1: return bits(okAnswer, cancelAnswer);
-        case 2: return bits(abortAnswer, retryAnswer, ignoreAnswer);
-        case 3: return bits(yesAnswer, noAnswer, cancelAnswer);
-        case 4: return bits(yesAnswer, noAnswer);
-        case 5: return bits(retryAnswer, cancelAnswer);
-        default: return bits(okAnswer);
-    }
-}
 
 std::string_view endingOf(InputAnswer::Ending ending) {
     switch (ending) {
@@ -31,12 +22,13 @@ std::string_view endingOf(InputAnswer::Ending ending) {
 }  // namespace
 
 std::optional<std::int32_t> AnsweredDialogs::showMessage(const OperatorMessage& message) {
-    const std::int32_t buttons = buttonBits(message.style);
-    if (buttons == 1 << okAnswer) return okAnswer;
+    const std::span<const MessageButton> buttons = buttonsOf(message.style);
+    if (buttons.size() == 1) return buttons[0].answer;
     if (nextMessage_ == answers_.messages.size()) return std::nullopt;
     const std::int32_t answer = answers_.messages[nextMessage_++];
-    if ((buttons & 1 << answer) == 0) return std::nullopt;
-    return answer;
+    const bool isThere =
+        std::any_of(buttons.begin(), buttons.end(), [&](const MessageButton& b) { return b.answer == answer; });
+    return isThere ? std::optional(answer) : std::nullopt;
 }
 
 InputAnswer AnsweredDialogs::askInput(const InputRequest& request) {
@@ -45,16 +37,17 @@ InputAnswer AnsweredDialogs::askInput(const InputRequest& request) {
     if (typed.kind == TypedInput::Kind::Cancel) return {request.initialValue, InputAnswer::Ending::Cancelled};
     InputRules rules(request, {}, locale_);
     if (typed.kind == TypedInput::Kind::Number)
-        rules.change(portable::toText(Value::ofSingle(typed.number), locale_).view());
+        rules.change(rules.typeable(portable::toText(Value::ofSingle(typed.number), locale_).view()));
     else
-        rules.change(typed.text);
+        rules.change(rules.typeable(typed.text));
     rules.pressOk();
     return {rules.result(), InputAnswer::Ending::Accepted};
 }
 
 std::optional<std::int32_t> WatchedDialogs::showMessage(const OperatorMessage& message) {
     const std::optional<std::int32_t> answer = dialogs_.showMessage(message);
-    if (logs_) log_.dialog({"message", message.text, {}, answer ? answerWord(*answer) : "nobody there"});
+    const MessageButton* const button = answer ? findButton(*answer) : nullptr;
+    if (logs_) log_.dialog({"message", message.text, {}, button != nullptr ? button->word : "nobody there"});
     return answer;
 }
 

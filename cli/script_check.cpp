@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "cli/control_character.h"
 #include "host/clsScriptControl.h"
 #include "platform/automation_error.h"
 #include "platform/script_file.h"
@@ -26,8 +27,6 @@ private:
 constexpr std::size_t longestMessage = 300;
 constexpr std::size_t longestExcerpt = 160;
 constexpr std::size_t excerptBeforeColumn = 80;
-
-bool isControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
 /// One line of it: line ends become a blank, other control characters a replacement character.
 std::u16string shortened(std::u16string_view message) {

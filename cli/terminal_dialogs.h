@@ -23,9 +23,12 @@ namespace corvane {
 /// then.
 class TerminalDialogs final : public OperatorDialogs {
 public:
+    /// Whether a terminal shows what comes in, or it comes from elsewhere and is written behind its question.
+    enum class Typing { Seen, Unseen };
+
     /// The streams must outlive the object. `applicationTitle` heads dialogs without a title of their own.
     TerminalDialogs(std::istream& input, std::ostream& output, std::u16string_view applicationTitle,
-                    NumberLocale locale = NumberLocale::user());
+                    NumberLocale locale = NumberLocale::user(), Typing typing = Typing::Seen);
 
     std::optional<std::int32_t> showMessage(const OperatorMessage& message) override;
     InputAnswer askInput(const InputRequest& request) override;
@@ -40,6 +43,7 @@ private:
     std::ostream& output_;
     std::u16string applicationTitle_;
     NumberLocale locale_;
+    Typing typing_;
 };
 
 }  // namespace corvane

@@ -81,6 +81,10 @@ void InputRules::composeTexts(const InputRequest& request, std::u16string_view a
         rangeText_ = u"(Maximum String Lenght: " + numberText(maximum_) + u")";
 }
 
+std::u16string_view InputRules::typeable(std::u16string_view text) const {
+    return maximumLength_ == 0 ? text : text.substr(0, static_cast<std::size_t>(maximumLength_));
+}
+
 void InputRules::change(std::u16string_view text) {
     if (kind_ == InputKind::String) {
         returnValue_ = Value::ofText(text.empty() && !allowZero_ ? u" " : text);

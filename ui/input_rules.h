@@ -50,6 +50,8 @@ public:
     const std::u16string& initialText() const { return initialText_; }
     /// The longest text, in code units, that can be typed into the entry of a string; 0 is no limit.
     std::int32_t maximumLength() const { return maximumLength_; }
+    /// As much of `text` as can be typed into the entry.
+    std::u16string_view typeable(std::u16string_view text) const;
 
     // What follows the entry's text.
     /// To be called whenever the entry's text has changed.

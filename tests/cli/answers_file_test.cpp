@@ -62,11 +62,11 @@ TEST(AnswersFile, TakesEveryTypeOfArgument) {
 
 TEST(AnswersFile, AnswersForTheOperator) {
     const Answers answers = answersIn(R"({"finishLoopAfter": 7, "dialogs": {
-        "messages": ["yes", "no", "ok", "cancel", "abort", "retry", "ignore"],
+        "messages": ["yes", "no", "ok", "cancel", "abort", "retry", "ignore", "try again", "continue"],
         "inputs": [12.5, "two", {"cancel": true}]}})");
     EXPECT_EQ(answers.finishLoopAfter, 7);
-    EXPECT_THAT(answers.dialogs->messages,
-                ElementsAre(yesAnswer, noAnswer, okAnswer, cancelAnswer, abortAnswer, retryAnswer, ignoreAnswer));
+    EXPECT_THAT(answers.dialogs->messages, ElementsAre(yesAnswer, noAnswer, okAnswer, cancelAnswer, abortAnswer,
+                                                       retryAnswer, ignoreAnswer, 10, 11));
     ASSERT_EQ(answers.dialogs->inputs.size(), 3U);
     EXPECT_EQ(answers.dialogs->inputs[0].kind, TypedInput::Kind::Number);
     EXPECT_EQ(answers.dialogs->inputs[0].number, 12.5F);
@@ -122,9 +122,11 @@ TEST(AnswersFile, SaysWhereItsContentIsWrong) {
         {R"({"dialogs": {"message": []}})", "/dialogs/message: is not known here"},
         {R"({"dialogs": {"messages": "yes"}})", "/dialogs/messages: must be an array"},
         {R"({"dialogs": {"messages": ["yes", "maybe"]}})",
-         "/dialogs/messages/1: must be \"yes\", \"no\", \"ok\", \"cancel\", \"abort\", \"retry\" or \"ignore\""},
+         "/dialogs/messages/1: must be \"yes\", \"no\", \"ok\", \"cancel\", "
+         "\"abort\", \"retry\", \"ignore\", \"try again\" or \"continue\""},
         {R"({"dialogs": {"messages": [6]}})",
-         "/dialogs/messages/0: must be \"yes\", \"no\", \"ok\", \"cancel\", \"abort\", \"retry\" or \"ignore\""},
+         "/dialogs/messages/0: must be \"yes\", \"no\", \"ok\", \"cancel\", "
+         "\"abort\", \"retry\", \"ignore\", \"try again\" or \"continue\""},
         {R"({"dialogs": {"inputs": [null]}})", "/dialogs/inputs/0: must be a number, a text or {\"cancel\": true}"},
         {R"({"dialogs": {"inputs": [{"cancel": false}]}})",
          "/dialogs/inputs/0: must be a number, a text or {\"cancel\": true}"},
@@ -164,12 +166,21 @@ TEST(AnswersFile, SaysWhereItsFormIsWrong) {
 }
 
 TEST(AnswersFile, RefusesANumberThatNothingHolds) {
-    EXPECT_THAT(readAnswers(R"({"finishLoopAfter": 1e999})").fault, HasSubstr("1e999"));
+    const std::pair<const char*, const char*> rows[] = {
+        {R"({"finishLoopAfter": 1e999})", "/finishLoopAfter: number overflow parsing '1e999'"},
+        {R"({"events": {"Park": [], "MsgAsk": [{}, [1, 2], {"answer": {"tResult": -1e400}}]}})",
+         "/events/MsgAsk/2/answer/tResult: number overflow parsing '-1e400'"},
+        {R"({"dialogs": {"inputs": [[], 1, 1e400]}})", "/dialogs/inputs/2: number overflow parsing '1e400'"},
+        {"1e400", "/: number overflow parsing '1e400'"},
+    };
+    for (const auto& [json, fault] : rows) EXPECT_EQ(readAnswers(json).fault, fault);
 }
 
 TEST(AnswersFile, RefusesANameThatStandsTwice) {
     EXPECT_EQ(readAnswers(R"({"events": {"Park": [], "Info": [], "Park": []}})").fault,
-              "the name \"Park\" stands twice in one object");
+              "/events/Park: stands twice in one object");
+    EXPECT_EQ(readAnswers(R"({"events": {"Park": [{}, {"a\u001b": 1, "a\u001b": 2}]}})").fault,
+              "/events/Park/1/a\\u001b: stands twice in one object");
     EXPECT_EQ(readAnswers(R"({"events": {"Park": [{"answer": {}}], "Info": [{"answer": {}}]}})").fault, "");
 }
 

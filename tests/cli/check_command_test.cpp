@@ -86,7 +86,8 @@ TEST(Check, GoesThroughAllFiles) {
     EXPECT_EQ(ran({"check", good, good}).code, ExitCode::Success);
     EXPECT_EQ(ran({"check", bad, good}).code, ExitCode::ScriptRejected);
     const Ran all = ran({"check", missing, bad, good});
-    EXPECT_EQ(all.code, ExitCode::NoInput) << "an unread file counts more than a rejected one";
+    EXPECT_EQ(all.code, ExitCode::ScriptRejected) << "a rejected file counts more than an unread one";
+    EXPECT_EQ(ran({"check", missing, good}).code, ExitCode::NoInput);
     EXPECT_THAT(all.errors, HasSubstr("missing.script"));
     EXPECT_THAT(all.output, testing::AllOf(HasSubstr(bad + ":1:1: error"), HasSubstr(good + ": accepted")));
 }
@@ -96,7 +97,7 @@ TEST(Check, WritesJson) {
     const std::string bad = folder.write("bad.script", "A:\nA:\n\tFrob(\"\xE4\")").string();
     const std::string missing = folder.path("missing.script").string();
     const Ran result = ran({"check", "--json", bad, missing});
-    EXPECT_EQ(result.code, ExitCode::NoInput);
+    EXPECT_EQ(result.code, ExitCode::ScriptRejected);
     EXPECT_THAT(result.errors, IsEmpty());
     const auto json = nlohmann::json::parse(result.output);
     EXPECT_EQ(json[0]["file"], bad);

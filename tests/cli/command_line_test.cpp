@@ -67,6 +67,14 @@ TEST(CommandLine, RefusesWrongUsage) {
     }
 }
 
+TEST(CommandLine, NamesAWordThatIsNoCommand) {
+    const auto refusal = [](const char* word) { return ran({word, "a.script"}).errors; };
+    EXPECT_EQ(refusal("frob"), "'frob' is no command\nRun with --help for more information.\n");
+    EXPECT_THAT(refusal("--frob"), HasSubstr("'--frob' is no command\n"));
+    EXPECT_THAT(refusal("a\x1B"), HasSubstr("'a\xEF\xBF\xBD' is no command\n"));
+    EXPECT_THAT(ran({"run"}).errors, HasSubstr("SCRIPT is required"));
+}
+
 TEST(CommandLine, TakesAPathThatBeginsWithASlash) {
     EXPECT_EQ(ran({"check", "/no-such-folder/a.script"}).code, ExitCode::NoInput);
 }

@@ -42,7 +42,7 @@ std::vector<std::pair<std::string, std::vector<std::string>>> waysToRun(files::p
         for (std::string option; words >> option;) options.push_back(option);
         ways.emplace_back("." + name, options);
     }
-    if (ways.empty()) ways.push_back({});
+    if (ways.empty()) ways.emplace_back();
     return ways;
 }
 

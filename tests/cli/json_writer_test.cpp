@@ -67,6 +67,19 @@ TEST(JsonWriter, IndentsByTwo) {
     EXPECT_EQ(output.str(), "[\n  {\n    \"a\": false\n  }\n]\n");
 }
 
+TEST(JsonWriter, WritesNullForANumberThatIsNotFinite) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    for (const float number : {infinity, -infinity, std::numeric_limits<float>::quiet_NaN()}) {
+        std::ostringstream output;
+        JsonWriter json(output, JsonWriter::Layout::OneLine);
+        json.beginArray();
+        json.number(number);
+        json.number(1.0F);
+        json.endArray();
+        EXPECT_EQ(output.str(), "[null,1]\n");
+    }
+}
+
 TEST(JsonWriter, IsReadBackAsItWasWritten) {
     for (const float number : {0.0F, -1.5F, 3.4e38F, 1e-38F, 1234567.0F}) {
         std::ostringstream output;

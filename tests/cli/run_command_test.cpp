@@ -109,6 +109,14 @@ TEST_F(Run, ThatJustFitsTheStatementLimitEnds) {
     EXPECT_EQ(run("Park()\nPark()\nPark()", two).code, ExitCode::RunFailed);
 }
 
+TEST_F(Run, StopsAtTheStatementLimitOnAReturnThatGoesBackToItself) {
+    const std::string script = "Call(B)\nB:\nReturn()\n";
+    EXPECT_THAT(run(script, {"--max-statements", "2", "--unattended"}).output,
+                HasSubstr("\nstatement limit reached after 2 statements\n"));
+    EXPECT_THAT(run(script, {"--max-statements", "3", "--unattended"}).output,
+                HasSubstr("\nended after 3 statements by a Return without a Call\n"));
+}
+
 TEST_F(Run, StopsWhenKeepGoingIsAnsweredWithNo) {
     const Ran result = runAnswered("Park()\nPark()\nPark()",
                                    R"({"events": {"KeepGoing": [{"occurrence": 2, "answer": {"tSucess": false}}]}})");
@@ -192,6 +200,8 @@ TEST_F(Run, RefusesABadAnswersFileBeforeAnythingRuns) {
     EXPECT_EQ(content.code, ExitCode::BadAnswers);
     EXPECT_EQ(content.errors, name + ": /events/Frob: there is no such event\n");
     EXPECT_THAT(content.output, IsEmpty());
+    EXPECT_THAT(runAnswered("Park()", R"({"finishLoopAfter": 1e400})").errors,
+                testing::StartsWith(name + ": /finishLoopAfter: "));
     EXPECT_EQ(run("Park()", {"--answers", folder_.path("").string()}).code, ExitCode::NoInput);
 }
 
@@ -210,6 +220,23 @@ TEST_F(Run, KeepsQuestionsOutOfALogForPrograms) {
     const Ran result = run(question, {"--log", "jsonl"}, "y\n");
     EXPECT_THAT(result.errors, HasSubstr("[Yes / No]"));
     EXPECT_THAT(result.output, Not(HasSubstr("[Yes")));
+}
+
+TEST_F(Run, WritesAnswersBehindTheirQuestionsWhereNoTerminalShowsThem) {
+    const std::string script = folder_.write("a.script", question).string();
+    for (const bool isTerminal : {true, false}) {
+        std::istringstream input("y\n");
+        std::ostringstream output;
+        std::ostringstream errors;
+        runCommandLine({"run", script}, {input, output, errors, {}, isTerminal});
+        EXPECT_THAT(output.str(), HasSubstr(isTerminal ? "Enter = Yes >    3" : "Enter = Yes > y\n   3"));
+    }
+}
+
+TEST_F(Run, CutsAnAnsweredTextAsTheInputBoxDoes) {
+    EXPECT_THAT(
+        runAnswered("VAR S = \"\"\nInputString(\"Name\", S, 5)\n", R"({"dialogs": {"inputs": ["abcdefghij"]}})").output,
+        HasSubstr("input \"Name\" -> \"abcde\" (accepted)"));
 }
 
 TEST_F(Run, AsksNobodyWhenUnattended) {

@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "cli/message_buttons.h"
+
 namespace corvane {
 namespace {
 
@@ -28,8 +30,8 @@ TEST(AnsweredDialogs, AcknowledgeABoxWithOneButtonWithoutAnAnswer) {
 }
 
 TEST(AnsweredDialogs, PressOnlyButtonsThatABoxHas) {
-    constexpr std::int32_t all[] = {okAnswer,     cancelAnswer, abortAnswer, retryAnswer,
-                                    ignoreAnswer, yesAnswer,    noAnswer};
+    constexpr std::int32_t all[] = {okAnswer,  cancelAnswer, abortAnswer,    retryAnswer,   ignoreAnswer,
+                                    yesAnswer, noAnswer,     tryAgainAnswer, continueAnswer};
     struct Row {
         std::int32_t style;
         std::vector<std::int32_t> buttons;
@@ -40,6 +42,7 @@ TEST(AnsweredDialogs, PressOnlyButtonsThatABoxHas) {
         {3, {cancelAnswer, yesAnswer, noAnswer}},
         {4, {yesAnswer, noAnswer}},
         {5, {cancelAnswer, retryAnswer}},
+        {6, {cancelAnswer, tryAgainAnswer, continueAnswer}},
     };
     for (const Row& row : rows)
         for (const std::int32_t answer : all) {
@@ -76,6 +79,14 @@ TEST(AnsweredDialogs, TypeThroughTheRulesOfTheInputBox) {
     EXPECT_EQ(last.ending, InputAnswer::Ending::Accepted);
 }
 
+TEST(AnsweredDialogs, TypeNoMoreThanTheInputBoxTakes) {
+    const DialogAnswers answers{{},
+                                {{TypedInput::Kind::Text, 0, u"abcdefghij"}, {TypedInput::Kind::Number, 1234567, {}}}};
+    AnsweredDialogs dialogs(answers, NumberLocale::pointDecimal());
+    EXPECT_EQ(dialogs.askInput(request(InputKind::String, 0, 5)).value.textView(), u"abcde");
+    EXPECT_EQ(dialogs.askInput(request(InputKind::String, 0, 5)).value.textView(), u"12345");
+}
+
 TEST(AnsweredDialogs, HandBackTheInitialValueWithoutAnAnswer) {
     const DialogAnswers answers{{}, {{TypedInput::Kind::Cancel, 0, {}}}};
     AnsweredDialogs dialogs(answers, NumberLocale::pointDecimal());
@@ -85,6 +96,18 @@ TEST(AnsweredDialogs, HandBackTheInitialValueWithoutAnAnswer) {
     const InputAnswer none = dialogs.askInput(request(InputKind::String, 0, 10));
     EXPECT_EQ(none.ending, InputAnswer::Ending::Unavailable);
     EXPECT_EQ(none.value.textView(), u"old");
+}
+
+TEST(WatchedDialogs, LogTheWordOfEveryButton) {
+    const DialogAnswers answers{{tryAgainAnswer, continueAnswer}, {}};
+    std::ostringstream output;
+    const std::unique_ptr<EventLog> log = makeTextLog(output, {});
+    AnsweredDialogs dialogs(answers, NumberLocale::pointDecimal());
+    WatchedDialogs watched(dialogs, *log, true);
+    for (const std::int32_t answer : answers.messages)
+        EXPECT_EQ(watched.showMessage({.text = u"?", .caption = {}, .style = 6, .helpFile = {}}), answer);
+    EXPECT_EQ(output.str(),
+              "               message \"?\" -> (try again)\n               message \"?\" -> (continue)\n");
 }
 
 TEST(WatchedDialogs, AreLoggedOnlyWhereNobodySeesThem) {

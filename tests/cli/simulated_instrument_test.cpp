@@ -270,6 +270,26 @@ TEST(InstrumentRefuses, DurationsAndCountsOutOfAllReason) {
     EXPECT_THAT(instrument.shake(3, 1, 0), HasSubstr("shake frequency"));
 }
 
+TEST(InstrumentRefuses, SpeedsThatWouldTakeForEver) {
+    Instrument instrument;
+    ASSERT_EQ(instrument.enterVessel(100), "");
+    const std::string tooSlow = "the tip speed, 1E-30 mm/s, is neither 0 nor at least 0.01 mm/s";
+    EXPECT_EQ(instrument.rotate(0, 1e-30F, 1, 10000), tooSlow);
+    EXPECT_EQ(instrument.rotate(0, -0.009F, 1, 1), "the tip speed, -0.009 mm/s, is neither 0 nor at least 0.01 mm/s");
+    EXPECT_THAT(instrument.rotate(1, 1e-30F, 1, 1), HasSubstr("tip speed"));
+    EXPECT_EQ(instrument.moveTo(50, 0, 5, 1e-30F), tooSlow);
+    EXPECT_EQ(instrument.takeDataSet(50, 5, 1e-30F), tooSlow);
+    const std::string tooSlowAShear =
+        "the shear rate, 9.999999E-39 degrees/min, is neither 0 nor at least 0.01 degrees/min";
+    EXPECT_EQ(instrument.shear({.rate = 1e-38F}), tooSlowAShear);
+    EXPECT_EQ(instrument.shearEx({.rate = 1e-38F}), tooSlowAShear);
+    EXPECT_EQ(instrument.shearFull(9, u"6", {.rate = 1e-38F}), tooSlowAShear);
+    EXPECT_EQ(instrument.rotate(0, 0.01F, 1, 10000), "");
+    EXPECT_EQ(instrument.rotate(0, -0.01F, 0, 1), "");
+    EXPECT_EQ(instrument.shear({.rate = 0.01F}), "");
+    EXPECT_EQ(instrument.shear({.rate = 0}), "") << "the instrument's own";
+}
+
 TEST(InstrumentRefuses, CodesThatItDoesNotKnow) {
     Instrument instrument;
     EXPECT_EQ(instrument.moveTo(100, 2), "there is no type of movement 2");

@@ -12,8 +12,9 @@ using testing::HasSubstr;
 using testing::Not;
 
 struct Terminal {
-    explicit Terminal(const std::string& typed, const NumberLocale& locale = NumberLocale::pointDecimal())
-        : input(typed), dialogs(input, output, u"Corvane Script", locale) {}
+    explicit Terminal(const std::string& typed, const NumberLocale& locale = NumberLocale::pointDecimal(),
+                      TerminalDialogs::Typing typing = TerminalDialogs::Typing::Seen)
+        : input(typed), dialogs(input, output, u"Corvane Script", locale, typing) {}
 
     std::optional<std::int32_t> show(std::u16string_view text, std::int32_t style) {
         return dialogs.showMessage({.text = text, .caption = u"Corvane", .style = style, .helpFile = {}});
@@ -167,7 +168,21 @@ TEST(TerminalMessage, LetsNoTextOfAScriptCommandTheTerminal) {
                                                  "c\xEF\xBF\xBD\td"));
 }
 
+TEST(TerminalMessage, WritesWhatNoTerminalShowed) {
+    Terminal terminal("mayb\x1B?\r\nyes\n", NumberLocale::pointDecimal(), TerminalDialogs::Typing::Unseen);
+    EXPECT_EQ(terminal.show(u"?", yesNoQuestionStyle), yesAnswer);
+    EXPECT_THAT(terminal.output.str(),
+                testing::EndsWith("Enter = Yes > mayb\xEF\xBF\xBD?\n[Yes / No] Enter = Yes > yes\n"));
+}
+
 // ------------------------------------------------------------------------------------------------------------- input
+
+TEST(TerminalInput, WritesWhatNoTerminalShowed) {
+    Terminal terminal("99\n\n", NumberLocale::pointDecimal(), TerminalDialogs::Typing::Unseen);
+    terminal.dialogs.askInput(numberRequest(5, 1, 10));
+    EXPECT_THAT(terminal.output.str(), testing::EndsWith("> 99\nValue: 10 (Too large)\n"
+                                                         "Enter = OK, !cancel = Cancel > \n"));
+}
 
 TEST(TerminalInput, ShowsTitleQuestionRangeAndStartValue) {
     Terminal terminal("\n");

@@ -156,7 +156,7 @@ TEST_F(ScriptParser, EndsLinesAtCrLfAndCrLf) {
 }
 
 TEST_F(ScriptParser, ReadsAZeroCharacterAsAnyOther) {
-    const std::u16string script(u";A\0B\nVAR X\0Y = 1", 17);
+    const std::u16string script(u";A\0B\nVAR X\0Y = 1", 16);
     ASSERT_TRUE(load(script));
     ASSERT_EQ(engine.DataMemory().Count(), 2);
     EXPECT_EQ(engine.DataMemory().Item(1).Identifier(), std::u16string_view(u"X\0Y", 3));

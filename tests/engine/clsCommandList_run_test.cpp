@@ -154,7 +154,7 @@ TEST_F(RunLoop, AsksTheHostAboutEachStatementFirst) {
 
 TEST_F(RunLoop, YieldsOnceAfterEachStatementIsComplete) {
     owner.recordSteps = true;
-    pump.onYield = [&] { owner.lines.push_back("yield"); };
+    pump.onYield = [&] { owner.lines.emplace_back("yield"); };
     EXPECT_EQ(eventsOfRun(u"Park()\nReturn"),
               Lines({"Park()", "CommandComplete(1, 0)", "yield", "CommandComplete(1, 4)", "yield"}));
     EXPECT_EQ(pump.yields, 2);

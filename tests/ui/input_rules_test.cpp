@@ -105,6 +105,14 @@ TEST(InputRules, TakesOnlyTheExactUnlimitedRangeForLengthsWithoutLimit) {
     EXPECT_EQ(number.maximum(), 1000000);
 }
 
+TEST(InputRules, TakesNoMoreOfATextThanItsLength) {
+    const InputRules five = pointRules(stringRequest(u"", 0, 5));
+    EXPECT_EQ(five.typeable(u"abcdefghij"), u"abcde");
+    EXPECT_EQ(five.typeable(u"abcde"), u"abcde");
+    EXPECT_EQ(pointRules(stringRequest(u"", 0, 0)).typeable(u"abcdefghij"), u"abcdefghij");
+    EXPECT_EQ(pointRules(numberRequest(SingleNumber, 0, 1)).typeable(u"12345"), u"12345");
+}
+
 TEST(InputRules, HasNoLengthForANumber) {
     EXPECT_EQ(pointRules(numberRequest(SingleNumber, 0, 10)).maximumLength(), 0);
 }
