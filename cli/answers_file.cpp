@@ -11,8 +11,8 @@
 #include <span>
 #include <utility>
 
-#include "cli/control_character.h"
 #include "cli/message_buttons.h"
+#include "platform/control_character.h"
 #include "platform/utf8.h"
 
 namespace corvane {

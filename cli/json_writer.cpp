@@ -4,7 +4,7 @@
 #include <cmath>
 #include <ostream>
 
-#include "cli/control_character.h"
+#include "platform/control_character.h"
 #include "platform/utf8.h"
 #include "platform/value_rules.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <ostream>
 
-#include "cli/control_character.h"
 #include "host/clsScriptControl.h"
 #include "platform/automation_error.h"
+#include "platform/control_character.h"
 #include "platform/script_file.h"
 #include "platform/utf8.h"
 

@@ -6,9 +6,9 @@
 #include <span>
 #include <utility>
 
-#include "cli/control_character.h"
 #include "cli/message_buttons.h"
 #include "engine/text_utilities.h"
+#include "platform/control_character.h"
 #include "platform/text_case.h"
 #include "platform/utf8.h"
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
 
 #include "engine/clsCommandList.h"
 #include "engine/loaded_script.h"
 #include "engine/modCommand.h"
+#include "engine/numeric_reading.h"
 #include "engine/text_utilities.h"
 #include "platform/automation_error.h"
 #include "platform/value_rules.h"
@@ -90,20 +90,12 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
         actualType = ptConstant | ptString;
         return memory.AddItem({}, actualType, Value::ofText(StripQuotes(token)));
     }
-    if (const std::optional<float> number = plainNumber(token, engine().locale())) {
+    const NumericReading reading(token, engine().locale());
+    if (reading.isNumber()) {
         actualType = ptConstant | ptNumber;
-        return memory.AddItem({}, actualType, Value::ofSingle(*number));
+        return CreateLiteralItem(reading);
     }
-    std::u16string_view name = token;
-    std::u16string rewritten;
-    if (!beginsAsName(token, engine().locale())) {
-        rewritten = token;
-        if (IsNumericText(rewritten, engine().locale())) {
-            actualType = ptConstant | ptNumber;
-            return CreateLiteralItem(rewritten);
-        }
-        name = rewritten;
-    }
+    const std::u16string_view name = reading.text();
     // Kept: an empty parameter finds the first literal, since literals have no name.
     std::int32_t position = 0;
     if (memory.FindItem(name, position)) {
@@ -117,9 +109,9 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
 
 // A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
 // compares stored numbers with the literal's text, and a number never equals a text.
-clsData clsCommand::CreateLiteralItem(std::u16string_view token) const {
+clsData clsCommand::CreateLiteralItem(const NumericReading& reading) const {
     clsData literal = script_->dataMemory.AddItem({}, ptConstant | ptNumber, Value());
-    literal.setInitialValue(Value::ofSingle(toSingle(Value::ofText(token), engine().locale())));
+    literal.setInitialValue(Value::ofSingle(reading.single(engine().locale())));
     return literal;
 }
 

@@ -12,6 +12,7 @@
 namespace corvane {
 
 class clsCommandList;
+class NumericReading;
 struct LoadedScript;
 
 /// One statement after binding: its kind and, for each parameter, the memory item that supplies or receives the value.
@@ -56,7 +57,7 @@ private:
     bool ProcessParameterList(std::u16string_view afterKeyword);
     bool CheckParameterTypes(const Binding& binding) const;
     clsData bindParameter(std::u16string_view token, std::int32_t& actualType);
-    clsData CreateLiteralItem(std::u16string_view token) const;
+    clsData CreateLiteralItem(const NumericReading& reading) const;
     [[noreturn]] static void refuseSlot(std::int32_t slot);
     clsCommandList& engine() const;
 

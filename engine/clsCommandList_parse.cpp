@@ -8,7 +8,7 @@
 #include <unordered_set>
 
 #include "engine/clsCommandList.h"
-#include "engine/modCommand.h"
+#include "engine/numeric_reading.h"
 #include "engine/text_utilities.h"
 #include "platform/automation_error.h"
 #include "platform/utf8.h"
@@ -67,34 +67,11 @@ Declaration splitDeclaration(std::u16string_view line, std::u16string_view keywo
     return {name, TrimBlanksAndTabs(rest)};
 }
 
-/// A declaration's value after the numeric test. The test may rewrite a text and refuse it all the same; what it leaves
-/// is then the string.
-class DeclaredValue {
-public:
-    DeclaredValue(std::u16string_view value, const NumberLocale& locale)
-        : text_(value), plain_(plainNumber(value, locale)) {
-        if (plain_ || beginsAsName(value, locale)) return;
-        rewritten_ = value;
-        isNumericText_ = IsNumericText(rewritten_, locale);
-        text_ = rewritten_;
-    }
-    DeclaredValue(const DeclaredValue&) = delete;
-    DeclaredValue& operator=(const DeclaredValue&) = delete;
-
-    bool isNumber() const { return plain_ || isNumericText_; }
-    /// Error 6 for a number that is no single.
-    Value value(const NumberLocale& locale) const {
-        if (plain_) return Value::ofSingle(*plain_);
-        if (isNumericText_) return Value::ofSingle(toSingle(Value::ofText(text_), locale));
-        return Value::ofText(StripQuotes(text_));
-    }
-
-private:
-    std::u16string_view text_;
-    std::u16string rewritten_;
-    std::optional<float> plain_;
-    bool isNumericText_ = false;
-};
+/// What an item is declared to hold: a number, or the string that the text stands for.
+Value declaredValue(const NumericReading& reading, const NumberLocale& locale) {
+    if (reading.isNumber()) return Value::ofSingle(reading.single(locale));
+    return Value::ofText(StripQuotes(reading.text()));
+}
 
 }  // namespace
 
@@ -279,10 +256,10 @@ void clsCommandList::reportDuplicateLabel(std::u16string_view name) {
 bool clsCommandList::parseVariable(std::u16string_view line) {
     traceKind(u"   o Line is a Variable");
     const auto [name, value] = splitDeclaration(line, variableKeyword);
-    const DeclaredValue declared(value, locale());
+    const NumericReading declared(value, locale());
     const bool isNumber = value.empty() || declared.isNumber();
     clsData item = DataMemory().AddItem(name, isNumber ? ptNumber : ptString, Value::ofInteger(0));
-    if (!value.empty()) item.setInitialValue(declared.value(locale()));
+    if (!value.empty()) item.setInitialValue(declaredValue(declared, locale()));
     raiseDeclaration(HostEvent::VariableAdded, name, item.InitialValue());
     return true;
 }
@@ -291,10 +268,10 @@ bool clsCommandList::parseConstant(std::u16string_view line) {
     traceKind(u"   o Line is a Constant");
     const auto [name, value] = splitDeclaration(line, constantKeyword);
     if (value.empty()) return parseEmptyConstant(name);
-    const DeclaredValue declared(value, locale());
+    const NumericReading declared(value, locale());
     clsData item =
         DataMemory().AddItem(name, declared.isNumber() ? numericConstant : stringConstant, Value::ofInteger(0));
-    item.setInitialValue(declared.value(locale()));
+    item.setInitialValue(declaredValue(declared, locale()));
     raiseDeclaration(HostEvent::ConstantAdded, name, item.InitialValue());
     return true;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cassert>
 
+#include "platform/control_character.h"
+
 namespace corvane {
 namespace {
 
@@ -20,7 +22,7 @@ std::u16string visible(std::u16string_view text) {
             shown += u"\\n";
         else if (c == u'\t')
             shown += u"\\t";
-        else if (c < 0x20 || (c >= 0x7F && c < 0xA0))
+        else if (isControl(c))
             shown.append(u"\\x").append(1, digits[c >> 4U]).append(1, digits[c & 15U]);
         else
             shown += c;
