@@ -7,6 +7,8 @@
 #include <ostream>
 
 #include "cli/script_check.h"
+#include "cli/table_window.h"
+#include "cli/window_dialogs.h"
 
 namespace corvane {
 namespace {
@@ -67,7 +69,11 @@ CLI::App* addRun(CLI::App& program, RunOptions& options) {
                       "Log nothing but what a host sees: no statements, lines, dialogs or end");
     command->add_option("--answers", options.answersFile, "What events and operator dialogs are answered with (JSON)")
         ->option_text("FILE");
-    command->add_flag("--unattended", options.unattended, "Ask nobody: dialogs are answered as without an operator");
+    CLI::Option* const unattended = command->add_flag("--unattended", options.unattended,
+                                                      "Ask nobody: dialogs are answered as without an operator");
+    if (hasWindowDialogs())
+        command->add_flag("--windows", options.windows, "Ask in windows, as in a host, instead of in the terminal")
+            ->excludes(unattended);
     addMaximumStatements(*command, options.maximumStatements, "Stop after so many statements; without it never");
     command->add_flag("--trace", options.trace, "Show the trace lines of the component");
     addFinishLoop(*command, options.designedFinishLoop);
@@ -97,6 +103,8 @@ CLI::App* addShow(CLI::App& program, ShowOptions& options) {
     CLI::App* command = program.add_subcommand("show", "Show a script's statements and identifiers as tables");
     addScript(*command, options.script);
     addJson(*command, options.json);
+    if (hasTableWindow())
+        command->add_flag("--windows", options.windows, "Show them in a window until it is closed")->excludes("--json");
     addDecimalMark(*command, options.locale);
     return command;
 }

@@ -36,6 +36,7 @@ struct RunOptions {
     bool hostView = false;
     bool everyEvent = false;
     bool unattended = false;
+    bool windows = false;  ///< ask in windows instead of in the terminal
     bool trace = false;
     bool designedFinishLoop = false;
     std::int64_t maximumStatements = 0;  ///< 0: any number
@@ -62,6 +63,7 @@ struct ShowOptions {
     std::string script;
     ChosenLocale locale;
     bool json = false;
+    bool windows = false;  ///< show the tables in a window instead of writing them
 };
 ExitCode showCommand(const ShowOptions& options, const Surroundings& surroundings);
 

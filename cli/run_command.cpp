@@ -6,6 +6,7 @@
 #include "cli/run_host.h"
 #include "cli/script_check.h"
 #include "cli/terminal_dialogs.h"
+#include "cli/window_dialogs.h"
 #include "platform/utf8.h"
 #include "platform/whole_file.h"
 
@@ -60,6 +61,7 @@ std::unique_ptr<OperatorDialogs> chosenDialogs(const RunOptions& options, const 
     const NumberLocale locale = options.locale ? *options.locale : NumberLocale::user();
     if (answers.dialogs) return std::make_unique<AnsweredDialogs>(*answers.dialogs, locale);
     if (options.unattended) return std::make_unique<NoOperator>();
+    if (options.windows) return makeWindowDialogs(locale);
     // A log for programs must not have questions between its lines.
     std::ostream& output = options.jsonLog ? surroundings.errors : surroundings.output;
     return std::make_unique<TerminalDialogs>(
@@ -89,7 +91,7 @@ ExitCode runCommand(const RunOptions& options, const Surroundings& surroundings)
     const std::unique_ptr<EventLog> log =
         options.jsonLog ? makeJsonLog(surroundings.output, logOptions) : makeTextLog(surroundings.output, logOptions);
     const std::unique_ptr<OperatorDialogs> dialogs = chosenDialogs(options, *answers, surroundings);
-    WatchedDialogs watchedDialogs(*dialogs, *log, answers->dialogs || options.unattended);
+    WatchedDialogs watchedDialogs(*dialogs, *log, answers->dialogs || options.unattended || options.windows);
     SystemMessagePump pump;
     LoggedTrace trace(*log);
     clsScriptControl control({watchedDialogs, pump, pointerTo(options.locale)},

@@ -1,19 +1,16 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 
-#include "cli/answers_file.h"
 #include "cli/event_log.h"
+#include "cli/host_answers.h"
 #include "cli/outcome.h"
-#include "cli/simulated_instrument.h"
 #include "host/clsScriptControl.h"
 
 namespace corvane {
 
-/// The host of a run: the simulated instrument answers each event, the answers file may overrule it, the log writes it
-/// down, and KeepGoing ends what should not go on.
+/// The host of a run: each event is answered and written to the log, and KeepGoing ends what should not go on.
 class RunHost final : public EventSink {
 public:
     struct Limits {
@@ -27,22 +24,18 @@ public:
     RunHost& operator=(const RunHost&) = delete;
     ~RunHost() override { control_.setEventSink(nullptr); }
 
-    const SimulatedInstrument& instrument() const { return instrument_; }
+    const SimulatedInstrument& instrument() const { return answers_.instrument(); }
 
 private:
     void raise(Event& event) override;
-    std::string answer(Event& event);
-    std::string overrule(Event& event, const EventAnswer& answer);
     void keepGoing(Event& event);
     LoggedPlace place() const;
 
     clsScriptControl& control_;
-    const Answers& answers_;
+    HostAnswers answers_;
     EventLog& log_;
     RunWatch& watch_;
     Limits limits_;
-    SimulatedInstrument instrument_;
-    std::array<std::int64_t, eventCount> occurrences_{};
 };
 
 }  // namespace corvane

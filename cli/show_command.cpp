@@ -2,6 +2,7 @@
 
 #include "cli/commands.h"
 #include "cli/json_writer.h"
+#include "cli/table_window.h"
 #include "host/clsScriptControl.h"
 #include "platform/utf8.h"
 #include "ui/text_table.h"
@@ -44,6 +45,11 @@ ExitCode showCommand(const ShowOptions& options, const Surroundings& surrounding
     SystemMessagePump pump;
     clsScriptControl control({dialogs, pump, pointerTo(options.locale)});
     control.LoadScript_FromScript(*text, fromUtf8(options.script), 0, 0);
+    if (options.windows) {
+        if (showTableWindow(control.engine(), fromUtf8(options.script))) return ExitCode::Success;
+        surroundings.errors << "corvane: no window can be shown\n";
+        return ExitCode::NoOutput;
+    }
     TextTable statements;
     TextTable identifiers;
     control.engine().DisplayDataInListViews(&statements, &identifiers);

@@ -16,11 +16,7 @@ clsCommandList::clsCommandList(EngineOwner& owner, const EngineServices& service
 
 clsCommandList::~clsCommandList() = default;
 
-const NumberLocale& clsCommandList::locale() const {
-    if (services_.locale != nullptr) return *services_.locale;
-    if (!userLocale_) userLocale_ = NumberLocale::user();
-    return *userLocale_;
-}
+const NumberLocale& clsCommandList::presentUserLocale() const { return userLocale_.emplace(NumberLocale::user()); }
 
 const clsCommand& clsCommandList::Command(std::int32_t position) const {
     if (position < 1 || position > commandCount()) throw automation_error(ErrorNumber::SubscriptOutOfRange);

@@ -148,7 +148,10 @@ public:
     TraceSink* traceSink() const { return traceSink_; }
 
     /// How this engine reads and writes numbers.
-    const NumberLocale& locale() const;
+    const NumberLocale& locale() const {
+        if (services_.locale != nullptr) return *services_.locale;
+        return userLocale_ ? *userLocale_ : presentUserLocale();
+    }
 
     // For statements and the statement table
 
@@ -219,12 +222,17 @@ private:
     void traceLine(std::u16string_view kind, std::u16string_view line);
     void traceKind(std::u16string_view text);
 
+    const NumberLocale& presentUserLocale() const;
+
     // clsCommandList_run.cpp
     bool runStatements();
     bool runStatement();
     std::int32_t execute(const clsCommand& command, std::int32_t& address);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
+    const clsCommand& commandAt(std::int32_t address) const;
+    void reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,
+                       std::int32_t result);
     void PushReturnAddress(std::int32_t address);
     bool PopReturnAddress(std::int32_t& address);
     void traceStatement(std::u16string_view introduction, const clsCommand& command);

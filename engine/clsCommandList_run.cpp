@@ -15,10 +15,9 @@ namespace {
 
 /// Address arithmetic is checked: error 6 beyond 32 bits.
 std::int32_t addressPlus(std::int32_t address, std::int32_t distance) {
-    const std::int64_t sum = std::int64_t{address} + distance;
-    if (sum < std::numeric_limits<std::int32_t>::min() || sum > std::numeric_limits<std::int32_t>::max())
-        throw automation_error(ErrorNumber::Overflow);
-    return static_cast<std::int32_t>(sum);
+    std::int32_t sum = 0;
+    if (__builtin_add_overflow(address, distance, &sum)) throw automation_error(ErrorNumber::Overflow);
+    return sum;
 }
 
 }  // namespace
@@ -42,36 +41,6 @@ bool clsCommandList::ExecuteList() {
         traceSink_->trace(doRuntimeResults, std::u16string(u"ExecuteList Result: ") + (result ? u"True" : u"False"));
     if (listener_ != nullptr) listener_->ScriptComplete(result);
     return result;
-}
-
-bool clsCommandList::runStatements() {
-    programCounter_ = 0;
-    for (;;) {
-        const bool keepRunning = runStatement();
-        services_.pump.yield();
-        // Asked before the end of the list, so that a run stopped on its last statement counts as stopped.
-        if (stopExecution_) return false;
-        if (!keepRunning) return true;
-    }
-}
-
-bool clsCommandList::runStatement() {
-    const ScriptUse use(*this);
-    const clsCommand& command = Command(addressPlus(programCounter_, 1));
-    if (traceSink_ != nullptr) traceStatement(u"Running Command: ", command);
-    if (listener_ != nullptr) listener_->CommandStart(programCounter_);
-    std::int32_t target = programCounter_;
-    const std::int32_t result = execute(command, target);
-    bool keepRunning = true;
-    ApplyCommandResult(result, target, command, programCounter_, keepRunning);
-    owner_.CommandComplete(programCounter_, result);
-    if (listener_ != nullptr) listener_->CommandComplete(programCounter_, result);
-    return keepRunning;
-}
-
-std::int32_t clsCommandList::ExecuteCommand(const clsCommand& tCommand, std::int32_t& tCurrentAddress) {
-    const ScriptUse use(*this);
-    return execute(tCommand, tCurrentAddress);
 }
 
 std::int32_t clsCommandList::execute(const clsCommand& command, std::int32_t& address) {
@@ -104,8 +73,7 @@ bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target
     switch (result) {
         case crNext: break;
         case crFailed:
-            if (traceSink_ != nullptr) traceStatement(u"ERROR (ExecuteList) - Command Failed: Address ", command);
-            if (listener_ != nullptr) listener_->CommandError(programCounter, result);
+            reportFailure(u"ERROR (ExecuteList) - Command Failed: Address ", command, programCounter, result);
             keepRunning = false;
             break;
         case crReturn:
@@ -118,14 +86,54 @@ bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target
             break;
         case crJump: programCounter = addressPlus(target, -1); break;
         default:
-            if (traceSink_ != nullptr)
-                traceStatement(u"ERROR (ExecuteList) - Unhandled ExecuteCommand Return:  Address ", command);
-            if (listener_ != nullptr) listener_->CommandError(programCounter, result);
+            reportFailure(u"ERROR (ExecuteList) - Unhandled ExecuteCommand Return:  Address ", command, programCounter,
+                          result);
             keepRunning = false;
     }
     programCounter = addressPlus(programCounter, 1);
     if (programCounter >= commandCount()) keepRunning = false;
     return false;
+}
+
+const clsCommand& clsCommandList::commandAt(std::int32_t address) const {
+    if (address >= 0 && address < commandCount()) return script_->statements[static_cast<std::size_t>(address)];
+    return Command(addressPlus(address, 1));
+}
+
+bool clsCommandList::runStatement() {
+    const ScriptUse use(*this);
+    const clsCommand& command = commandAt(programCounter_);
+    if (traceSink_ != nullptr) traceStatement(u"Running Command: ", command);
+    if (listener_ != nullptr) listener_->CommandStart(programCounter_);
+    std::int32_t target = programCounter_;
+    const std::int32_t result = execute(command, target);
+    bool keepRunning = true;
+    ApplyCommandResult(result, target, command, programCounter_, keepRunning);
+    owner_.CommandComplete(programCounter_, result);
+    if (listener_ != nullptr) listener_->CommandComplete(programCounter_, result);
+    return keepRunning;
+}
+
+bool clsCommandList::runStatements() {
+    programCounter_ = 0;
+    for (;;) {
+        const bool keepRunning = runStatement();
+        services_.pump.yield();
+        // Asked before the end of the list, so that a run stopped on its last statement counts as stopped.
+        if (stopExecution_) return false;
+        if (!keepRunning) return true;
+    }
+}
+
+std::int32_t clsCommandList::ExecuteCommand(const clsCommand& tCommand, std::int32_t& tCurrentAddress) {
+    const ScriptUse use(*this);
+    return execute(tCommand, tCurrentAddress);
+}
+
+void clsCommandList::reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,
+                                   std::int32_t result) {
+    if (traceSink_ != nullptr) traceStatement(introduction, command);
+    if (listener_ != nullptr) listener_->CommandError(address, result);
 }
 
 void clsCommandList::PushReturnAddress(std::int32_t address) {

@@ -167,14 +167,10 @@ void clsData::setParameterType(std::int32_t typeCode) {
     list_->enterInIndex(position_);
 }
 
-void clsData::setCurrentValue(Value value) {
-    clsDataList::Record& record = list_->items_[position_];
-    EngineListener* const listener = list_->listener_;
-    const Value told = listener != nullptr ? value : Value();
-    const Value previous = Value::adopt(record.currentType, record.current);
-    record.currentType = value.type();
-    record.current = std::move(value).detach();
-    if (listener != nullptr) listener->CurrentValueChanged(*this, told);
+void clsData::setCurrentValueAndTell(Value value) {
+    const Value told = value;
+    storeCurrentValue(std::move(value));
+    list_->listener_->CurrentValueChanged(*this, told);
 }
 
 void clsData::setInitialValue(Value value) {

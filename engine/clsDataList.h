@@ -61,6 +61,8 @@ public:
 
 private:
     friend class clsDataList;
+    void storeCurrentValue(Value value);
+    void setCurrentValueAndTell(Value value);
     clsData(clsDataList& list, std::uint32_t position) : list_(&list), position_(position) {}
 
     clsDataList* list_;
@@ -161,6 +163,20 @@ private:
 inline Value clsData::CurrentValue() const {
     const clsDataList::Record& record = list_->items_[position_];
     return Value::copyOf(record.currentType, record.current);
+}
+
+inline void clsData::storeCurrentValue(Value value) {
+    clsDataList::Record& record = list_->items_[position_];
+    const Value previous = Value::adopt(record.currentType, record.current);
+    record.currentType = value.type();
+    record.current = std::move(value).detach();
+}
+
+inline void clsData::setCurrentValue(Value value) {
+    if (list_->listener_ == nullptr)
+        storeCurrentValue(std::move(value));
+    else
+        setCurrentValueAndTell(std::move(value));
 }
 
 inline Value clsData::InitialValue() const {

@@ -13,7 +13,7 @@ namespace {
 
 }  // namespace
 
-Event::Event(HostEvent event, std::initializer_list<Value> arguments) : row_(&eventRow(event)) {
+Event::Event(HostEvent event, std::span<const Value> arguments) : row_(&eventRow(event)) {
     if (arguments.size() + 1 != row_->argumentCount) refuse(*row_, "tSucess", "wrong number of arguments before it");
     std::size_t position = 0;
     for (const Value& value : arguments) {
@@ -30,12 +30,11 @@ std::size_t Event::positionOf(std::string_view name) const {
     refuse(*row_, name, "no such argument");
 }
 
-void Event::answer(std::size_t position, Value value) {
+void Event::refuseAnswer(std::size_t position) const {
     if (position >= count_) refuse(*row_, std::to_string(position), "no such argument");
     const EventArgument& argument = row_->arguments[position];
     if (!argument.byReference) refuse(*row_, argument.name, "passed by value, it takes no answer");
-    if (value.type() != argument.type) refuse(*row_, argument.name, "wrong type of answer");
-    slots()[position] = std::move(value);
+    refuse(*row_, argument.name, "wrong type of answer");
 }
 
 }  // namespace corvane

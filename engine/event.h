@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <new>
+#include <span>
 #include <string_view>
 
 #include "engine/event_table.h"
@@ -20,11 +21,15 @@ class Event {
 public:
     /// The arguments before `tSucess`, in order; tSucess starts false. Throws std::logic_error when number or types do
     /// not fit the row.
-    Event(HostEvent event, std::initializer_list<Value> arguments);
+    Event(HostEvent event, std::span<const Value> arguments);
+    Event(HostEvent event, std::initializer_list<Value> arguments)
+        : Event(event, std::span<const Value>(arguments.begin(), arguments.size())) {}
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;
     ~Event() {
-        for (std::size_t i = 0; i < count_; ++i) slots()[i].~Value();
+        // Most events carry nothing that needs release, and one is raised before and after each statement.
+        if (row_->ownsValues)
+            for (std::size_t i = 0; i < count_; ++i) slots()[i].~Value();
     }
 
     HostEvent id() const noexcept { return row_->id; }
@@ -42,7 +47,10 @@ public:
 
     /// Writes a by-reference argument. Throws std::logic_error, naming event and argument, when the argument is passed
     /// by value, when `value` is not of its published type, or when there is no such argument.
-    void answer(std::size_t position, Value value);
+    void answer(std::size_t position, Value value) {
+        if (!takes(position, value.type())) refuseAnswer(position);
+        slots()[position] = std::move(value);
+    }
     void answer(std::string_view name, Value value) { answer(positionOf(name), std::move(value)); }
 
     /// `tSucess`, the last argument.
@@ -51,6 +59,7 @@ public:
 
 private:
     friend class clsCommandList;
+    friend class clsScriptControl;
 
     explicit Event(HostEvent event) noexcept : row_(&eventRow(event)) {}
     void append(Value value) noexcept {
@@ -58,6 +67,10 @@ private:
         new (&storage_[count_ * sizeof(Value)]) Value(std::move(value));
         ++count_;
     }
+    bool takes(std::size_t position, ValueType type) const noexcept {
+        return position < count_ && row_->arguments[position].byReference && row_->arguments[position].type == type;
+    }
+    [[noreturn]] void refuseAnswer(std::size_t position) const;
     std::size_t positionOf(std::string_view name) const;
     Value* slots() noexcept { return std::launder(reinterpret_cast<Value*>(storage_)); }
     const Value* slots() const noexcept { return std::launder(reinterpret_cast<const Value*>(storage_)); }

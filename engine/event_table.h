@@ -78,12 +78,22 @@ struct EventRow {
     enumCommandType recordedAs;  ///< the kind that the program listing records; ctUnknown: not recorded
     std::uint8_t recordedCount;  ///< how many arguments, from the first, the program listing records
     std::uint8_t argumentCount;
+    bool ownsValues;  ///< whether one of the arguments is a text or an object
     std::array<EventArgument, maximumEventArguments> arguments;
 
     constexpr EventRow(HostEvent event, std::string_view eventName, enumCommandType kind, std::uint8_t recorded,
                        std::initializer_list<EventArgument> list)
-        : id(event), name(eventName), recordedAs(kind), recordedCount(recorded), argumentCount(0), arguments() {
-        for (const EventArgument& argument : list) arguments.at(argumentCount++) = argument;
+        : id(event),
+          name(eventName),
+          recordedAs(kind),
+          recordedCount(recorded),
+          argumentCount(0),
+          ownsValues(false),
+          arguments() {
+        for (const EventArgument& argument : list) {
+            arguments.at(argumentCount++) = argument;
+            ownsValues = ownsValues || argument.type == ValueType::Text || argument.type == ValueType::Object;
+        }
     }
 };
 

@@ -30,12 +30,20 @@ private:
 };
 
 /// An ordered collection of listed statements, shared by everybody who holds it.
-class FunctionCollection final : public SharedRecord {
+class FunctionCollection : public SharedRecord {
 public:
-    void Add(Reference<clsProgramFunction> function) { functions_.push_back(std::move(function)); }
-    std::int32_t Count() const { return static_cast<std::int32_t>(functions_.size()); }
+    virtual void Add(Reference<clsProgramFunction> function) = 0;
+    virtual std::int32_t Count() const = 0;
     /// The entry at a position from 1 to Count; error 9 elsewhere.
-    clsProgramFunction& Item(std::int32_t position) const;
+    virtual clsProgramFunction& Item(std::int32_t position) const = 0;
+};
+
+/// The plain collection.
+class FunctionListing final : public FunctionCollection {
+public:
+    void Add(Reference<clsProgramFunction> function) override { functions_.push_back(std::move(function)); }
+    std::int32_t Count() const override { return static_cast<std::int32_t>(functions_.size()); }
+    clsProgramFunction& Item(std::int32_t position) const override;
 
 private:
     std::vector<Reference<clsProgramFunction>> functions_;

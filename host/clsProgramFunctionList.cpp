@@ -12,7 +12,7 @@ constexpr std::u16string_view unusedParameter = u"    ";
 
 std::shared_ptr<clsScriptControl> clsProgramFunctionList::startListing() {
     auto control = std::make_shared<clsScriptControl>(services_, options_);
-    functionList_ = makeReference<FunctionCollection>();
+    functionList_ = newCollection_();
     releaseControl();
     control_ = control;
     control->setEventSink(this);

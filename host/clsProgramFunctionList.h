@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -17,8 +18,13 @@ namespace corvane {
 /// calls.
 class clsProgramFunctionList final : private EventSink {
 public:
-    explicit clsProgramFunctionList(const EngineServices& services, EngineOptions options = {})
-        : services_(services), options_(options) {}
+    /// Makes the collection of a new listing; it may throw.
+    using CollectionMaker = std::function<Reference<FunctionCollection>()>;
+    static Reference<FunctionCollection> newListing() { return Reference<FunctionCollection>(new FunctionListing); }
+
+    explicit clsProgramFunctionList(const EngineServices& services, EngineOptions options = {},
+                                    CollectionMaker newCollection = newListing)
+        : services_(services), options_(options), newCollection_(std::move(newCollection)) {}
     clsProgramFunctionList(const clsProgramFunctionList&) = delete;
     clsProgramFunctionList& operator=(const clsProgramFunctionList&) = delete;
     ~clsProgramFunctionList() override { releaseControl(); }
@@ -48,6 +54,7 @@ private:
 
     EngineServices services_;
     EngineOptions options_;
+    CollectionMaker newCollection_;
     bool scriptLoaded_ = false;
     Reference<FunctionCollection> functionList_;
     std::shared_ptr<clsScriptControl> control_;  // shared with the call that runs it, which a new load may outlive

@@ -88,8 +88,13 @@ void clsScriptControl::raise(Event& event) {
 }
 
 void clsScriptControl::CommandComplete(std::int32_t, std::int32_t) {
-    Event keepGoing(HostEvent::KeepGoing, {});
-    raise(keepGoing);
+    if (sink_ == nullptr) {
+        engine_.setStopExecution(true);
+        return;
+    }
+    Event keepGoing(HostEvent::KeepGoing);
+    keepGoing.append(Value::ofBoolean(false));
+    sink_->raise(keepGoing);
     engine_.setStopExecution(!keepGoing.succeeded());
 }
 

@@ -8,7 +8,9 @@ std::string_view errorText(ErrorNumber number) {
         case ErrorNumber::Overflow: return "Overflow";
         case ErrorNumber::OutOfMemory: return "Out of memory";
         case ErrorNumber::SubscriptOutOfRange: return "Subscript out of range";
+        case ErrorNumber::ArrayLocked: return "This array is fixed or temporarily locked";
         case ErrorNumber::TypeMismatch: return "Type mismatch";
+        case ErrorNumber::Internal: return "Internal error";
         case ErrorNumber::BadFileName: return "Bad file name or number";
         case ErrorNumber::DeviceIoError: return "Device I/O error";
         case ErrorNumber::PermissionDenied: return "Permission denied";
@@ -16,6 +18,7 @@ std::string_view errorText(ErrorNumber number) {
         case ErrorNumber::PathNotFound: return "Path not found";
         case ErrorNumber::ObjectNotSet: return "Object variable not set";
         case ErrorNumber::MemberNotFound: return "Object doesn't support this property or method";
+        case ErrorNumber::KeyAlreadyInUse: return "This key is already associated with an element of this collection";
     }
     return "Application-defined or object-defined error";
 }

@@ -13,14 +13,17 @@ enum class ErrorNumber : std::int32_t {
     Overflow = 6,              ///< a number does not fit the type that it is converted to
     OutOfMemory = 7,
     SubscriptOutOfRange = 9,
+    ArrayLocked = 10,   ///< an array in use cannot be redimensioned
     TypeMismatch = 13,  ///< a text is no number
+    Internal = 51,      ///< a fault of the component's own
     BadFileName = 52,
     DeviceIoError = 57,
     PermissionDenied = 70,
     PathFileAccess = 75,
     PathNotFound = 76,
     ObjectNotSet = 91,
-    MemberNotFound = 438,  ///< object does not support this property or method
+    MemberNotFound = 438,   ///< object does not support this property or method
+    KeyAlreadyInUse = 457,  ///< in a collection
 };
 
 /// The platform's own sentence for `number`, without a final stop.

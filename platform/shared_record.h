@@ -1,11 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <utility>
 
 namespace corvane {
 
-/// Base of the objects that travel in a Value: reference counted, used on one thread.
+/// Base of the objects that travel in a Value: reference counted. An object is used on one thread; references to it may
+/// be released on others, as hosts with a garbage collector do.
 class SharedRecord {
 public:
     SharedRecord() noexcept = default;
@@ -13,13 +15,22 @@ public:
     SharedRecord& operator=(const SharedRecord&) = delete;
     virtual ~SharedRecord() = default;
 
-    void retain() noexcept { ++references_; }
-    void release() noexcept {
-        if (--references_ == 0) delete this;
+    /// The number of references afterwards.
+    std::uint32_t retain() noexcept { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    std::uint32_t release() noexcept {
+        const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        if (left == 0) {
+            // What the object lets go of may refer to it once more on its way; that must not destroy it again.
+            references_.store(beingDestroyed, std::memory_order_relaxed);
+            delete this;
+        }
+        return left;
     }
 
 private:
-    std::uint32_t references_ = 0;
+    static constexpr std::uint32_t beingDestroyed = 0x40000000;
+
+    std::atomic<std::uint32_t> references_{0};
 };
 
 /// A counted reference to a SharedRecord, or none.

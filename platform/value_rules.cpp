@@ -115,6 +115,15 @@ std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& l
     return plainSingle(text, u'.', locale.decimalMark == u"," ? u',' : u'\0');
 }
 
+Text toText(const Value& value, const NumberLocale& locale) {
+    if (value.isText()) return value.text();
+    if (const auto number = wholeNumber(value)) return textOf(*number);
+    if (isNotANumber(value)) return Text(u"NAN");
+    return platform_rules::toText(value, locale);
+}
+
+namespace unusual {
+
 float toSingle(const Value& value, const NumberLocale& locale) {
     if (const auto number = smallNumber(value)) return *number;
     if (value.isText()) {
@@ -124,22 +133,8 @@ float toSingle(const Value& value, const NumberLocale& locale) {
 }
 
 std::int32_t toLong(const Value& value, const NumberLocale& locale) {
-    if (value.type() == ValueType::Long) return value.longInteger();
-    if (value.type() == ValueType::Integer) return value.integer();
     if (isNotANumber(value)) throw automation_error(ErrorNumber::Overflow);
     return platform_rules::toLong(value, locale);
-}
-
-bool toBoolean(const Value& value, const NumberLocale& locale) {
-    if (value.type() == ValueType::Boolean) return value.boolean();
-    return platform_rules::toBoolean(value, locale);
-}
-
-Text toText(const Value& value, const NumberLocale& locale) {
-    if (value.isText()) return value.text();
-    if (const auto number = wholeNumber(value)) return textOf(*number);
-    if (isNotANumber(value)) return Text(u"NAN");
-    return platform_rules::toText(value, locale);
 }
 
 Value add(const Value& left, const Value& right, const NumberLocale& locale) {
@@ -153,14 +148,6 @@ Value subtract(const Value& left, const Value& right, const NumberLocale& locale
     return platform_rules::subtract(left, right, locale);
 }
 
-std::weak_ordering compare(const Value& left, const Value& right) {
-    if (left.type() == ValueType::Single && right.type() == ValueType::Single) {
-        const float leftNumber = left.single();
-        const float rightNumber = right.single();
-        if (leftNumber < rightNumber) return std::weak_ordering::less;
-        return leftNumber == rightNumber ? std::weak_ordering::equivalent : std::weak_ordering::greater;
-    }
-    return platform_rules::compare(left, right);
-}
+}  // namespace unusual
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <compare>
 #include <cstdint>
 #include <optional>
@@ -28,24 +29,6 @@ bool beginsAsName(std::u16string_view text, const NumberLocale& locale);
 /// answers is what the numeric-text test and a conversion to single make of the text.
 std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale);
 
-float toSingle(const Value& value, const NumberLocale& locale);
-/// Rounds half to even.
-std::int32_t toLong(const Value& value, const NumberLocale& locale);
-/// Any number but zero is true; a text is converted as the platform does ("True", "False", "#TRUE#" or a number).
-bool toBoolean(const Value& value, const NumberLocale& locale);
-/// Numbers with the locale's decimal mark: 7 significant digits for a single, 15 for a double; "True" or "False".
-Text toText(const Value& value, const NumberLocale& locale);
-
-/// left + right. The result's type follows the operands (single and 16-bit integer: single; text counts as a double);
-/// a 16-bit sum that overflows becomes a Long, a 32-bit one or a single a Double. Two texts are joined.
-Value add(const Value& left, const Value& right, const NumberLocale& locale);
-/// left - right, under the rules of `add`; but two texts are subtracted as numbers, and a single stays a single.
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
-
-/// Numbers by value (a double beside a single in a single's precision), texts by code unit; any number is less than any
-/// text. What is not a number is greater than every number, itself included, on either side.
-std::weak_ordering compare(const Value& left, const Value& right);
-
 namespace platform_rules {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
 float toSingle(const Value& value, const NumberLocale& locale);
@@ -56,6 +39,69 @@ Value add(const Value& left, const Value& right, const NumberLocale& locale);
 Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
 std::weak_ordering compare(const Value& left, const Value& right);
 }  // namespace platform_rules
+
+/// What the doors below do not answer at once.
+namespace unusual {
+float toSingle(const Value& value, const NumberLocale& locale);
+std::int32_t toLong(const Value& value, const NumberLocale& locale);
+Value add(const Value& left, const Value& right, const NumberLocale& locale);
+Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
+}  // namespace unusual
+
+inline float toSingle(const Value& value, const NumberLocale& locale) {
+    return value.type() == ValueType::Single ? value.single() : unusual::toSingle(value, locale);
+}
+
+/// Rounds half to even.
+inline std::int32_t toLong(const Value& value, const NumberLocale& locale) {
+    if (value.type() == ValueType::Long) return value.longInteger();
+    if (value.type() == ValueType::Integer) return value.integer();
+    if (value.type() == ValueType::Single && std::abs(value.single()) < 2147483648.0F) {
+        // Adding it leaves a double no place for a fraction, so the sum is rounded, and half to even.
+        constexpr double wholeNumbersOnly = 6755399441055744.0;
+        return static_cast<std::int32_t>((value.single() + wholeNumbersOnly) - wholeNumbersOnly);
+    }
+    return unusual::toLong(value, locale);
+}
+
+/// Any number but zero is true; a text is converted as the platform does ("True", "False", "#TRUE#" or a number).
+inline bool toBoolean(const Value& value, const NumberLocale& locale) {
+    if (value.type() == ValueType::Boolean) return value.boolean();
+    if (value.type() == ValueType::Single && !std::isnan(value.single())) return value.single() != 0;
+    return platform_rules::toBoolean(value, locale);
+}
+
+/// Numbers with the locale's decimal mark: 7 significant digits for a single, 15 for a double; "True" or "False".
+Text toText(const Value& value, const NumberLocale& locale);
+
+/// left + right. The result's type follows the operands (single and 16-bit integer: single; text counts as a double);
+/// a 16-bit sum that overflows becomes a Long, a 32-bit one or a single a Double. Two texts are joined.
+inline Value add(const Value& left, const Value& right, const NumberLocale& locale) {
+    if (left.type() == ValueType::Single && (right.type() == ValueType::Single || right.type() == ValueType::Integer)) {
+        const float sum = left.single() + (right.type() == ValueType::Single ? right.single() : right.integer());
+        if (std::isfinite(sum)) return Value::ofSingle(sum);
+    }
+    return unusual::add(left, right, locale);
+}
+
+/// left - right, under the rules of `add`; but two texts are subtracted as numbers, and a single stays a single.
+inline Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
+    if (left.type() == ValueType::Single && (right.type() == ValueType::Single || right.type() == ValueType::Integer)) {
+        const float difference = left.single() - (right.type() == ValueType::Single ? right.single() : right.integer());
+        if (std::isfinite(difference)) return Value::ofSingle(difference);
+    }
+    return unusual::subtract(left, right, locale);
+}
+
+/// Numbers by value (a double beside a single in a single's precision), texts by code unit; any number is less than any
+/// text. What is not a number is greater than every number, itself included, on either side.
+inline std::weak_ordering compare(const Value& left, const Value& right) {
+    if (left.type() == ValueType::Single && right.type() == ValueType::Single) {
+        if (left.single() < right.single()) return std::weak_ordering::less;
+        return left.single() == right.single() ? std::weak_ordering::equivalent : std::weak_ordering::greater;
+    }
+    return platform_rules::compare(left, right);
+}
 
 namespace portable {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);

@@ -9,8 +9,9 @@
 set -euo pipefail
 
 native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
-tests='locales python3'
-windows='debootstrap g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64'
+tests='libwine-dev locales mingw-w64-tools python3'
+windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-mingw-w64-i686-posix
+    g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools wine64 xdotool xvfb'
 checks='clang-format clang-tidy git python3 shellcheck'
 
 asRoot() {
@@ -80,5 +81,10 @@ done
 installMissing $packages
 for group in "${groups[@]}"; do
     case $group in tests | all) makeLocale ;; esac
-    case $group in windows | all) "$(dirname "${BASH_SOURCE[0]}")/wine-x86" --prepare ;; esac
+    case $group in
+        windows | all)
+            "$(dirname "${BASH_SOURCE[0]}")/wine-x86" --prepare
+            "$(dirname "${BASH_SOURCE[0]}")/free-pascal" --prepare
+            ;;
+    esac
 done

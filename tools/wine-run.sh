@@ -2,10 +2,11 @@
 # Runs a Windows program in the build tree's own Wine prefix:
 #
 #   wine-run.sh x64|x86 PROGRAM [ARGUMENT...]    exit code, streams, directory, arguments and environment pass through
-#   wine-run.sh x64|x86 --stop                   ends everything that still runs in the prefix
+#   wine-run.sh x64|x86 --stop                   ends everything that still runs in the prefixes
 #
 # Called by wine-x64 and wine-x86, which see to it that the right Wine is there. Windows are shown nowhere, unless
-# CORVANE_DISPLAY names an X display for them.
+# CORVANE_DISPLAY names an X display for them. Programs with a display have a prefix of their own, because the first
+# one in a prefix that opens a window decides for all others whether windows can be shown.
 set -euo pipefail
 
 word=$1
@@ -36,7 +37,7 @@ case $word in
 esac
 server=$(firstOf /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver32)
 
-export WINEPREFIX=$tree/build/wine/$word
+prefix=$tree/build/wine/$word
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 export DISPLAY=${CORVANE_DISPLAY:-}
@@ -44,12 +45,17 @@ export LANG=${LANG:-C.UTF-8}
 unset WINELOADER WINESERVER
 
 if [ "${1:-}" = --stop ]; then
-    if [ -d "$WINEPREFIX" ]; then
-        "$server" -k || true
-        "$server" -w
-    fi
+    for WINEPREFIX in "$prefix" "$prefix-windows"; do
+        export WINEPREFIX
+        if [ -d "$WINEPREFIX" ]; then
+            "$server" -k || true
+            "$server" -w
+        fi
+    done
     exit 0
 fi
+
+export WINEPREFIX=$prefix${DISPLAY:+-windows}
 
 # A server of our own outlives each program by a few minutes: a cold start costs seconds, a warm one 20 ms. It and the
 # services it starts must not hold the caller's streams, or a pipe from the program would stay open after its end.
@@ -59,6 +65,12 @@ fi
     flock 9
     exec </dev/null >/dev/null 2>&1
     if "$server" -p300 9>&-; then "$wine" wineboot 9>&-; fi
+    if [ -n "$DISPLAY" ] && [ ! -e "$WINEPREFIX.ready" ]; then
+        # No window manager is there: Wine draws the frames, and waits for nobody. Its own fonts are those of Windows.
+        "$wine" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f 9>&-
+        cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || true
+        touch "$WINEPREFIX.ready"
+    fi
 ) || true
 
 exec "$wine" "$@"

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/ran.h"
+#include "tests/cli/script_runs.h"
 
 namespace corvane {
 namespace {
@@ -25,34 +26,9 @@ struct ExpectedRun {
 
 void PrintTo(const ExpectedRun& run, std::ostream* output) { *output << run.name; }
 
-std::string contentOf(const files::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-/// NAME.runs holds a line for each way to run a script: its name and further options. Without it there is one way.
-std::vector<std::pair<std::string, std::vector<std::string>>> waysToRun(files::path script) {
-    std::vector<std::pair<std::string, std::vector<std::string>>> ways;
-    std::istringstream lines(contentOf(script.replace_extension("runs")));
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        std::string name;
-        std::vector<std::string> options;
-        words >> name;
-        for (std::string option; words >> option;) options.push_back(option);
-        ways.emplace_back("." + name, options);
-    }
-    if (ways.empty()) ways.emplace_back();
-    return ways;
-}
-
 void addScripts(std::vector<ExpectedRun>& runs, const files::path& folder, const files::path& expectedFolder) {
     if (!files::is_directory(folder)) return;
-    std::vector<files::path> scripts;
-    for (const files::directory_entry& entry : files::directory_iterator(folder))
-        if (entry.path().extension() == ".script") scripts.push_back(entry.path());
-    std::sort(scripts.begin(), scripts.end());
-    for (const files::path& script : scripts)
+    for (const files::path& script : scriptsIn(folder))
         for (const auto& [suffix, options] : waysToRun(script)) {
             ExpectedRun run;
             run.name = script.stem().string() + suffix;
@@ -104,12 +80,8 @@ INSTANTIATE_TEST_SUITE_P(Scripts, ExpectedLog, testing::ValuesIn(allRuns()),
                          [](const auto& info) { return info.param.name; });
 
 TEST(ExpectedLogs, CoverExamplesAndTestScripts) {
-    const auto count = [](const files::path& folder) {
-        return std::count_if(files::directory_iterator(folder), files::directory_iterator(),
-                             [](const auto& entry) { return entry.path().extension() == ".script"; });
-    };
-    EXPECT_EQ(count("examples"), 6);
-    EXPECT_GE(count("tests/scripts"), 20);
+    EXPECT_EQ(scriptsIn("examples").size(), 6);
+    EXPECT_GE(scriptsIn("tests/scripts").size(), 20);
 }
 
 TEST(ExpectedLogs, AreOfScriptsThatExist) {

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cli/window_dialogs.h"
 #include "engine/trace.h"
 #include "tests/cli/ran.h"
 #include "tests/platform/temporary_folder.h"
@@ -332,6 +333,13 @@ TEST_F(Run, LogsNumbersWithAPointUnderEveryLocale) {
 TEST_F(Run, IsTheSameEachTime) {
     const std::string script = "VAR X = 1\nAgain:\nShakeBlade(X)\nIncrement(X)\nIfLessThan(X, 9, Again)";
     EXPECT_EQ(run(script).output, run(script).output);
+}
+
+TEST_F(Run, OffersWindowsWhereTheSystemHasThem) {
+    const Ran both = run("Park()", {"--windows", "--unattended"});
+    EXPECT_EQ(both.code, ExitCode::WrongUsage);
+    EXPECT_THAT(both.errors, HasSubstr(hasWindowDialogs() ? "excludes" : "not expected"));
+    EXPECT_EQ(run("Park()", {"--windows"}).code, hasWindowDialogs() ? ExitCode::Success : ExitCode::WrongUsage);
 }
 
 }  // namespace

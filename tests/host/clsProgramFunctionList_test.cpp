@@ -76,7 +76,7 @@ TEST(ProgramFunction, RefusesAnIndexOutside) {
 }
 
 TEST(FunctionCollection, CountsFromOne) {
-    const Reference<FunctionCollection> collection = makeReference<FunctionCollection>();
+    const Reference<FunctionListing> collection = makeReference<FunctionListing>();
     EXPECT_EQ(collection->Count(), 0);
     EXPECT_EQ(errorOf([&] { collection->Item(1); }), 9);
     const Reference<clsProgramFunction> first = makeReference<clsProgramFunction>();
@@ -94,7 +94,7 @@ TEST(FunctionCollection, CountsFromOne) {
 TEST_F(ProgramFunctionList, BeforeALoadThereIsNothing) {
     EXPECT_FALSE(list.ScriptLoaded());
     EXPECT_FALSE(list.FunctionList());
-    const Reference<FunctionCollection> own = makeReference<FunctionCollection>();
+    const Reference<FunctionCollection> own(new FunctionListing);
     functions = own;
     EXPECT_FALSE(list.CreateFunctionList(functions));
     EXPECT_EQ(functions, own) << "left as it is";

@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "tests/com/component.h"
+#include "tests/com/publication.h"
+#include "tests/com/published_objects.h"
+
+namespace corvane::testing {
+namespace {
+
+template <typename Interface>
+ComReference<IDispatch> dispatchOf(const ComReference<Interface>& object) {
+    return ComReference<IDispatch>(object.get());
+}
+
+ComReference<IDispatch> newObject(const std::string& interfaceName) {
+    if (interfaceName == "_clsScriptControl") {
+        const ComReference<_clsScriptControl> control = newControl();
+        EXPECT_TRUE(load(*control.get(), u"VAR A = 1\r\nSet(A, 2)"));
+        return dispatchOf(control);
+    }
+    if (interfaceName == "_clsProgramFunctionList" || interfaceName == "_Collection") {
+        const ComReference<_clsProgramFunctionList> list = newFunctionList();
+        HostText script(u"VAR A = 1\r\nSet(A, 2)");
+        LONG number = 0;
+        VARIANT_BOOL loaded = VARIANT_FALSE;
+        EXPECT_EQ(list->LoadProgramScript_FromDatabase(script.address(), script.address(), &number, &number, &loaded),
+                  S_OK);
+        EXPECT_EQ(loaded, VARIANT_TRUE);
+        if (interfaceName == "_clsProgramFunctionList") return dispatchOf(list);
+        ComReference<_Collection> collection;
+        EXPECT_EQ(list->get_FunctionList(collection.receive()), S_OK);
+        return dispatchOf(collection);
+    }
+    if (interfaceName == "_clsProgramFunction") {
+        const auto function = create<_clsProgramFunction>(CLSID_clsProgramFunction, IID__clsProgramFunction);
+        const HostText parameter(u"first");
+        EXPECT_EQ(function->AddParam(parameter.get()), S_OK);
+        return dispatchOf(function);
+    }
+    if (interfaceName == "_clsDataSetParameters")
+        return dispatchOf(create<_clsDataSetParameters>(CLSID_clsDataSetParameters, IID__clsDataSetParameters));
+    return dispatchOf(create<_clsScriptParamList>(CLSID_clsScriptParamList, IID__clsScriptParamList));
+}
+
+PublishedParameter parameterOf(std::string text) {
+    PublishedParameter parameter;
+    if (text.ends_with("?")) {
+        parameter.optional = true;
+        text.pop_back();
+    }
+    if (text.ends_with("&")) {
+        parameter.byReference = true;
+        text.pop_back();
+    }
+    const std::size_t colon = text.find(": ");
+    if (colon != std::string::npos) parameter.name = text.substr(0, colon);
+    parameter.type = colon == std::string::npos ? text : text.substr(colon + 2);
+    return parameter;
+}
+
+}  // namespace
+
+WORD PublishedMember::flags() const {
+    if (kind == "get") return DISPATCH_PROPERTYGET;
+    return kind == "put" ? DISPATCH_PROPERTYPUT : DISPATCH_METHOD;
+}
+
+PublishedMember memberOf(const std::string& line) {
+    static const std::regex form(R"(([0-9a-f]{8}) (\w+) (\w+)\((.*)\)(: (\w+))?)");
+    std::smatch parts;
+    EXPECT_TRUE(std::regex_match(line, parts, form)) << line;
+    PublishedMember member;
+    member.id = static_cast<DISPID>(std::stoul(parts[1], nullptr, 16));
+    member.kind = parts[2];
+    member.name = parts[3];
+    member.result = parts[6];
+    std::string rest = parts[4];
+    while (!rest.empty()) {
+        const std::size_t comma = std::min(rest.find(", "), rest.size());
+        member.parameters.push_back(parameterOf(rest.substr(0, comma)));
+        rest.erase(0, comma + 2);
+    }
+    return member;
+}
+
+std::vector<PublishedObject> publishedObjects() {
+    std::vector<PublishedObject> objects;
+    for (const auto& [headline, lines] : frozenPublication()) {
+        static const std::regex form(R"(interface (\w+) (\{.*\}))");
+        std::smatch parts;
+        if (!std::regex_match(headline, parts, form)) continue;
+        PublishedObject published;
+        published.interfaceName = parts[1];
+        const std::wstring identifier(parts[2].first, parts[2].second);
+        EXPECT_EQ(IIDFromString(identifier.c_str(), &published.interfaceId), S_OK) << headline;
+        for (const std::string& line : lines) published.members.push_back(memberOf(line));
+        published.object = newObject(published.interfaceName);
+        objects.push_back(std::move(published));
+    }
+    EXPECT_EQ(objects.size(), 6U);
+    return objects;
+}
+
+}  // namespace corvane::testing

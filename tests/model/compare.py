@@ -1,0 +1,151 @@
+#!/usr/bin/env python3
+"""Plays random cases on the reference model and on the system, and compares what their hosts saw.
+
+    compare.py [OPTION...] HOST [ARGUMENT...]
+
+HOST is the program that plays cases on the system (model_host), with what starts it. The exit status is 1 when a
+difference was found; the first ones are shown as small as they can be made, to be put into a file for --cases.
+"""
+
+from __future__ import annotations
+
+import argparse
+import os
+import subprocess
+import sys
+import tempfile
+import time
+from concurrent.futures import ProcessPoolExecutor
+from itertools import zip_longest
+from pathlib import Path
+
+from cases import Case, play, read_cases
+from generator import make_case
+from minimiser import minimised
+from values import LOCALES
+
+CASES_OF_A_BATCH = 250
+SHOWN = 3
+
+
+def host_logs(host: list[str], cases: list[Case], seconds: int, meanwhile=None) -> list[list[str]]:
+    """What the host logs of each case; a host that dies or hangs leaves the rest without a log."""
+    with tempfile.TemporaryFile("w+") as given, tempfile.TemporaryFile("w+", errors="replace") as logged:
+        for case in cases:
+            given.write("\n".join(case.lines()) + "\n")
+        given.flush()
+        given.seek(0)
+        process = subprocess.Popen(host, stdin=given, stdout=logged, stderr=subprocess.PIPE, text=True, errors="replace")
+        if meanwhile:
+            meanwhile()
+        try:
+            _, complaint = process.communicate(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.communicate()
+            complaint = "no end in time"
+        logged.seek(0)
+        logs: list[list[str]] = []
+        for line in logged.read().splitlines():
+            if line.startswith("case "):
+                logs.append([])
+            if logs:
+                logs[-1].append(line)
+    if len(logs) < len(cases):
+        logs.append(["the host ended", *complaint.splitlines()[:20]])
+    return logs + [[] for _ in range(len(cases) - len(logs))]
+
+
+class Comparison:
+    def __init__(self, host: list[str], plain_locale: str | None, seconds: int) -> None:
+        self.host = host
+        self.plain_locale = plain_locale
+        self.seconds = seconds
+
+    def differing(self, cases: list[Case]) -> list[Case]:
+        expected: list[list[str]] = []
+        found = host_logs(self.host, cases, self.seconds, lambda: expected.extend(map(play, cases)))
+        different = [case for case, a, b in zip(cases, expected, found) if a != b]
+        return different
+
+    def batch(self, seed: int, first: int, count: int) -> list[Case]:
+        return self.differing([make_case(seed, number, self.plain_locale) for number in range(first, first + count)])
+
+    def differs(self, case: Case) -> bool:
+        return bool(self.differing([case]))
+
+    def shown(self, case: Case) -> str:
+        small = minimised(case, self.differs)
+        expected, found = play(small), host_logs(self.host, [small], self.seconds)[0]
+        lines = [f"# case {case.name} differs", *small.lines(), "# model                    | host"]
+        same = 0
+        while expected[same : same + 1] == found[same : same + 1] and same < len(expected):
+            same += 1
+        lines += ["    " + line for line in expected[max(same - 4, 0) : same]]
+        for a, b in list(zip_longest(expected[same:], found[same:], fillvalue=""))[:8]:
+            lines += [f"  - {a}", f"  + {b}"] if a != b else [f"    {a}"]
+        return "\n".join(lines)
+
+
+class Progress:
+    """How far a long comparison has come, kept in a file so that it can be taken up again."""
+
+    def __init__(self, path: str | None, first: int) -> None:
+        self.path = Path(path) if path else None
+        self.next = int(self.path.read_text()) if self.path and self.path.exists() else first
+
+    def reached(self, number: int) -> None:
+        if self.path:
+            self.path.write_text(f"{number}\n")
+
+
+def compare_random(comparison: Comparison, options: argparse.Namespace) -> list[Case]:
+    progress = Progress(options.resume, options.first)
+    last = options.first + options.count
+    batches = [(at, min(CASES_OF_A_BATCH, last - at)) for at in range(progress.next, last, CASES_OF_A_BATCH)]
+    different: list[Case] = []
+    with ProcessPoolExecutor(options.workers) as pool:
+        results = pool.map(comparison.batch, *zip(*[(options.seed, at, count) for at, count in batches]))
+        for (at, count), found in zip(batches, results):
+            different += found
+            if different:
+                pool.shutdown(cancel_futures=True)
+                break
+            progress.reached(at + count)
+    return different
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--first", type=int, default=0, help="number of the first case")
+    parser.add_argument("--count", type=int, default=10000)
+    parser.add_argument("--long", type=int, metavar="COUNT", help="count where CORVANE_LONG is set")
+    parser.add_argument("--workers", type=int, default=2)
+    parser.add_argument("--seconds", type=int, default=120, help="longest time of a batch")
+    parser.add_argument("--plain", choices=LOCALES, help="only what an automation host with this locale can see and do")
+    parser.add_argument("--resume", metavar="FILE", help="keep the progress in FILE and go on from there")
+    parser.add_argument("--cases", metavar="FILE", action="append", default=[], help="compare these cases first")
+    parser.add_argument("--quick", action="store_true", help="show the differing cases as they are")
+    parser.add_argument("host", nargs=argparse.REMAINDER)
+    options = parser.parse_args()
+    if not options.host:
+        parser.error("which host?")
+    if options.long and os.environ.get("CORVANE_LONG"):
+        options.count = options.long
+
+    start = time.monotonic()
+    comparison = Comparison(options.host, options.plain, options.seconds)
+    kept = [case for path in options.cases for case in read_cases(Path(path).read_text().splitlines())]
+    different = comparison.differing(kept) if kept else []
+    if not different and options.count:
+        different = compare_random(comparison, options)
+    for case in different[:SHOWN]:
+        print(("\n".join(case.lines()) if options.quick else comparison.shown(case)) + "\n")
+    outcome = f"{len(different)} differ" if different else "no difference"
+    print(f"{options.count} cases of seed {options.seed}, {len(kept)} kept: {outcome}, {time.monotonic() - start:.1f} s")
+    return 1 if different else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

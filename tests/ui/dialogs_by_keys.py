@@ -1,0 +1,336 @@
+"""The operator dialogs as an operator meets them: real keys typed into real windows, mostly those that a running script
+opens.
+
+    tools/with-display python3 dialogs_by_keys.py CORVANE DIALOG_TOOL [EMULATOR] [-- UNITTEST_ARGUMENT...]
+"""
+
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+from dialog_driver import Screen, Watcher, press, wait_for  # noqa: E402
+
+arguments = sys.argv[1:]
+split = arguments.index("--") if "--" in arguments else len(arguments)
+corvane, tool, *emulator = arguments[:split]
+unittest_arguments = arguments[split + 1 :]
+
+NUMBER = "InputNumber(\"How much?\", N, {minimum}, {maximum})"
+DARK_BLUE = (0, 0, 0x80)
+KEYS = {"-": "minus", ",": "comma", ".": "period", " ": "space", "+": "plus", "/": "slash", "%": "percent"}
+CLEAR = ("End", "shift+Home", "Delete")
+
+
+def typed(text):
+    return [KEYS.get(character, character) for character in text]
+
+
+class Dialogs(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.watcher = Watcher([*emulator, tool])
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.watcher.__exit__()
+
+    def setUp(self):
+        self.processes = []
+
+    def tearDown(self):
+        for process in self.processes:
+            if process.poll() is None:
+                process.kill()
+            process.communicate()
+        wait_for(lambda: not self.watcher.dialogs(), "end of the dialogs")
+
+    def start(self, *command, **environment):
+        process = subprocess.Popen([*emulator, *command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.DEVNULL, env=os.environ | environment)
+        self.processes.append(process)
+        return process
+
+    def run_script(self, script, *options, **environment):
+        """Starts a script whose log end() gives."""
+        with tempfile.NamedTemporaryFile("w", suffix=".script", delete=False) as file:
+            file.write(script)
+        self.addCleanup(os.remove, file.name)
+        if "--decimal-mark" not in options and not environment:
+            options = (*options, "--decimal-mark", "point")
+        return self.start(corvane, "run", file.name, "--windows", "--log", "jsonl", *options, **environment)
+
+    def ask(self, kind, initial="0", minimum="0", maximum="10", allow_zero="1", question="How much?", title="Title"):
+        return self.start(tool, "ask", kind, initial, minimum, maximum, allow_zero, question, title, LC_ALL="C.UTF-8")
+
+    def end(self, process):
+        """The objects that the program wrote, after its end."""
+        output, _ = process.communicate(timeout=20)
+        return [json.loads(line) for line in output.decode().splitlines()]
+
+    def dialogs_of(self, process):
+        return [(each["dialog"], each["text"], each["ending"], each.get("answer"))
+                for each in self.end(process) if "dialog" in each]
+
+    def entry(self, expected):
+        """The box, once its entry holds a text."""
+        return self.watcher.dialog(lambda dialog: dialog.entry == expected)
+
+    def check_keys(self, rows, *options, **environment):
+        process = self.run_script("VAR N = 0\n" + NUMBER.format(minimum=-999, maximum=999), *options, **environment)
+        self.watcher.dialog()
+        for keys, expected in rows:
+            with self.subTest(keys=keys):
+                press(*CLEAR)
+                self.entry("")
+                press(*keys)
+                try:
+                    self.entry(expected)
+                except TimeoutError:
+                    self.fail(f"the entry holds {self.watcher.dialog().entry!r}, not {expected!r}")
+        press("Escape")
+        self.watcher.dialog(lambda dialog: Cancel.QUESTION in dialog.texts)
+        press("Return")
+        self.end(process)
+
+
+class NumberBox(Dialogs):
+    # Keys and what the entry holds then, for every decimal separator.
+    ROWS = [
+        (typed("0123456789"), "0123456789"),
+        (typed("12-"), "-12"),
+        (typed("12--"), "12"),
+        (typed("-12"), "-12"),
+        (typed("12") + ["Home"] + typed("-5"), "-512"),
+        (typed("12-") + ["Home"] + typed("-5"), "512"),
+        (typed("-"), "-"),
+        (typed("--"), ""),
+        (typed("123") + ["BackSpace"], "12"),
+        (typed("12") + ["Home", "BackSpace"], "12"),
+        (typed("12") + ["Home", "Delete"], "2"),
+        (typed("1a2 b+e/N%3"), "123"),
+        (typed("12") + ["ctrl+a", "ctrl+c", "End", "ctrl+v"], "12"),
+        (typed("1") + ["Eacute"] + typed("2"), "12"),
+    ]
+
+    def test_takes_the_keys_of_a_number_with_a_decimal_point(self):
+        self.check_keys(self.ROWS + [
+            (typed("1.5"), "1.5"),
+            (typed("1.5.5"), "1.55"),
+            (typed("."), "."),
+            (typed("1,5"), "15"),
+            (typed("1n5"), "1n5"),
+            (typed("1.5n5"), "1.55"),
+            (typed("1n5.5"), "1n5.5"),
+        ])
+
+    def test_takes_the_keys_of_a_number_with_a_decimal_comma(self):
+        self.check_keys(self.ROWS + [
+            (typed("1,5"), "1,5"),
+            (typed("1,5,5"), "1,55"),
+            (typed(","), ","),
+            (typed("1.5"), "15"),
+            (typed("1n5"), "15"),
+        ], "--decimal-mark", "comma")
+
+    def test_follows_the_users_settings(self):
+        self.check_keys([(typed("1,5"), "1,5"), (typed("1.5"), "15")], LC_ALL="de_DE.UTF-8")
+        self.check_keys([(typed("1,5"), "15"), (typed("1.5"), "1.5")], LC_ALL="C.UTF-8")
+
+    def test_shows_the_corrected_value_and_the_reason(self):
+        rows = [
+            # kind, zero allowed, keys, value, reason, range shown
+            ("single", "1", "3.25", "3.25", "", False),
+            ("single", "1", "10", "10", "", False),
+            ("single", "1", "10.5", "10", "(Too large)", True),
+            ("single", "1", "-1", "1", "(Too small)", True),
+            ("single", "0", "n", "1", "(Too small)", True),
+            ("whole", "1", "7", "7", "", False),
+            ("whole", "1", "2.5", "2", "(Non Long)", False),
+            ("whole", "1", "3.5", "4", "(Non Long)", False),
+            ("whole", "1", "10.6", "11", "(Non Long)", False),
+            ("whole", "1", "11", "10", "(Too large)", True),
+        ]
+        for kind, zero, keys, value, reason, range_shown in rows:
+            with self.subTest(kind=kind, keys=keys):
+                self.check_correction(self.ask(kind, "5", "10", "1", zero), keys, value, reason, range_shown)
+
+    def test_corrects_a_zero_that_is_not_allowed(self):
+        for kind in ("single", "whole"):
+            with self.subTest(kind=kind):
+                self.check_correction(self.ask(kind, "5", "-10", "10", "0"), "0", "1", "(Value is Zero)", False)
+
+    def check_correction(self, process, keys, value, reason, range_shown):
+        self.watcher.dialog()
+        press(*CLEAR, *typed(keys))
+        box = self.entry(keys)
+        self.assertEqual(box["lblReturnValue"], value)
+        self.assertEqual(box["lblReason"], reason)
+        self.assertEqual(box.is_visible("lblRange"), range_shown)
+        if range_shown:
+            self.assertEqual(box["lblRange"], "(Please enter a value between: 1 and 10)")
+        screen = Screen()
+        self.assertGreater(screen.count(box.named["lblReturnValue"]["area"], DARK_BLUE), 0)
+        self.assertEqual(screen.count(box.named["lblReason"]["area"], DARK_BLUE) > 0, reason != "")
+        self.assertEqual(screen.count(box.named["lblQuestion"]["area"], DARK_BLUE), 0)
+        press("Return")
+        self.assertEqual(self.end(process), [{"ending": "accepted", "value": value}])
+
+    def test_is_what_a_script_gets(self):
+        process = self.run_script("VAR N = 2.5\n" + NUMBER.format(minimum=10, maximum=1))
+        box = self.watcher.dialog()
+        self.assertEqual((box.title, box["lblQuestion"], box.entry), ("Enter Number", "How much?", "2.5"))
+        press("4", "2")
+        self.assertEqual(self.entry("42")["lblReturnValue"], "10")
+        press("Return")
+        self.assertEqual(self.dialogs_of(process), [("input", "How much?", "accepted", 10)])
+
+    def test_returns_the_corrected_start_value_without_typing(self):
+        process = self.run_script("VAR N = 99\n" + NUMBER.format(minimum=1, maximum=10))
+        self.assertEqual(self.watcher.dialog()["lblReason"], "(Too large)")
+        press("Return")
+        self.assertEqual(self.dialogs_of(process), [("input", "How much?", "accepted", 10)])
+
+
+class StringBox(Dialogs):
+    SCRIPT = 'VAR S = "abc"\nInputString("Which batch?", S, {})\nInfo(S)\n'
+
+    def test_takes_every_key_up_to_the_greatest_length(self):
+        process = self.run_script(self.SCRIPT.format(8))
+        box = self.watcher.dialog()
+        self.assertEqual((box.title, box.entry), ("Enter String", "abc"))
+        self.assertEqual(box["lblRange"], "(Maximum String Lenght: 8)")
+        self.assertTrue(box.is_visible("lblRange"))
+        press("shift+X", *typed("-,. n12345"))
+        self.assertEqual(self.entry("X-,. n12")["lblReturnValue"], "X-,. n12")
+        press("Return")
+        self.assertEqual(self.dialogs_of(process), [("input", "Which batch?", "accepted", "X-,. n12")])
+
+    def test_takes_any_length_without_a_greatest(self):
+        process = self.run_script(self.SCRIPT.format(0))
+        self.assertEqual(self.watcher.dialog()["lblRange"], "(String of any length)")
+        press(*"0123456789" * 3)
+        self.entry("0123456789" * 3)
+        press("Return")
+        self.assertEqual(self.dialogs_of(process), [("input", "Which batch?", "accepted", "0123456789" * 3)])
+
+    def test_returns_one_blank_for_no_text_that_is_not_allowed(self):
+        process = self.ask("string", "abc", "0", "5", "0")
+        self.watcher.dialog()
+        press("BackSpace")
+        self.assertEqual(self.entry("")["lblReturnValue"], " ")
+        press("Return")
+        self.assertEqual(self.end(process), [{"ending": "accepted", "value": " "}])
+
+
+class Cancel(Dialogs):
+    QUESTION = "Are you sure you want to cancel the Script?"
+
+    def confirm(self, key):
+        box = self.watcher.dialog(lambda dialog: self.QUESTION in dialog.texts)
+        self.assertEqual((box.title, box.buttons, box.has_icon), ("Corvane", ["Yes", "No"], True))
+        press(key)
+
+    def test_asks_again_after_no(self):
+        process = self.run_script("VAR N = 2.5\n" + NUMBER.format(minimum=5, maximum=10))
+        self.watcher.dialog()
+        press("7", "Escape")
+        self.confirm("n")
+        self.assertEqual(self.watcher.dialog(lambda dialog: dialog.title == "Enter Number").entry, "2.5")
+        press("Tab", "Tab", "space")
+        self.confirm("n")
+        self.watcher.dialog(lambda dialog: dialog.title == "Enter Number")
+        press("8", "Return")
+        self.assertEqual(self.dialogs_of(process),
+                         [("input", "How much?", "cancelled", None), ("message", self.QUESTION, "no", None),
+                          ("input", "How much?", "cancelled", None), ("message", self.QUESTION, "no", None),
+                          ("input", "How much?", "accepted", 8)])
+
+    def test_ends_the_run_after_yes(self):
+        process = self.run_script('VAR S = "abc"\nInputString("Which batch?", S, 9)\nPark()\n')
+        self.watcher.dialog()
+        press("alt+c")
+        self.confirm("y")
+        end = self.end(process)[-1]
+        self.assertEqual((end["outcome"], end["message"]),
+                         ("failed", "statement 1 on line 2 failed: the operator cancelled InputString"))
+
+
+class MessageBoxes(Dialogs):
+    def expect(self, title, text, buttons, has_icon, key):
+        box = self.watcher.dialog(lambda dialog: text in dialog.texts)
+        self.assertEqual((box.title, box.buttons, box.has_icon), (title, buttons, has_icon))
+        press(key)
+
+    def test_question_jumps_on_yes_only(self):
+        script = 'MsgAsk("Again?|Really?", There)\nInfo("not jumped")\nThere:\nInfo("there")\n'
+        for key, ending, texts in (("y", "yes", ["there"]), ("n", "no", ["not jumped", "there"]),
+                                   ("Return", "yes", ["there"])):
+            with self.subTest(key=key):
+                process = self.run_script(script)
+                self.expect("Corvane", "Again?\r\nReally?", ["Yes", "No"], True, key)
+                log = self.end(process)
+                self.assertEqual([each["ending"] for each in log if "dialog" in each], [ending])
+                self.assertEqual([each["arguments"]["tInfoStr"] for each in log if each.get("event") == "Info"], texts)
+
+    def test_message_has_an_ok_button_and_an_icon(self):
+        process = self.run_script('VAR T = "two|lines"\nMsgInfo(T)\n')
+        self.expect("Corvane", "two\r\nlines", ["OK"], True, "Return")
+        self.assertEqual(self.dialogs_of(process), [("message", "two\r\nlines", "ok", None)])
+
+    def test_extended_message_takes_its_style_from_the_sound_number(self):
+        rows = [(0, ["OK"], False), (16, ["OK"], True), (33, ["OK", "Cancel"], True),
+                (50, ["Abort", "Retry", "Ignore"], True), (67, ["Yes", "No", "Cancel"], True),
+                (4, ["Yes", "No"], False), (5, ["Retry", "Cancel"], False), (6, ["Cancel", "Try Again", "Continue"], False),
+                (7, ["OK"], False), (999, ["OK"], False)]
+        for style, buttons, has_icon in rows:
+            with self.subTest(style=style):
+                process = self.run_script(f'MsgInfoEx("Weigh now", "{style}")\nInfo("goes on")\n')
+                self.expect("64", "Weigh now", buttons, has_icon, "Return")
+                self.assertEqual([each.get("outcome") for each in self.end(process)][-1], "ended")
+
+    def test_syntax_error_names_the_line_and_is_shown_once(self):
+        rows = [
+            ("var Count = 0", "Syntax Error on Line 0", "Invalid input:\r\n\r\n'var Count = 0'", b"0"),
+            ("Goto(Nowhere)\n", "Syntax Error on Line 2", "Undefined Label: Nowhere", b"0"),
+            ("A:\n;\nA:\nGoto(B)", "Syntax Error on Line 2", "Duplicate Lable Defined: A", b"0"),
+            ("A:\nA:", "Syntax Error on Line 1", "Duplicate Lable Defined: A", b"1"),
+        ]
+        for script, title, text, answer in rows:
+            with self.subTest(script=script):
+                process = self.start(tool, "load", script)
+                self.expect(title, text, ["OK"], True, "Return")
+                output, _ = process.communicate(timeout=20)
+                self.assertEqual(output.strip(), answer)
+
+
+class WithoutDesktop(unittest.TestCase):
+    def test_answers_everything_at_once(self):
+        script = ('VAR N = 5\nMsgInfo("read")\nMsgInfoEx("read", "36")\nMsgAsk("Jump?", There)\nInfo("not jumped")\n'
+                  "There:\n" + NUMBER.format(minimum=1, maximum=10) + "\nPark()\n")
+        environment = {key: value for key, value in os.environ.items() if key not in ("CORVANE_DISPLAY", "DISPLAY")}
+        with tempfile.NamedTemporaryFile("w", suffix=".script") as file:
+            file.write(script)
+            file.flush()
+            # The first start of a prefix takes its time.
+            subprocess.run([*emulator, tool, "load", ";"], env=environment, stdout=subprocess.DEVNULL, check=True)
+            start = time.monotonic()
+            run = subprocess.run([*emulator, corvane, "run", file.name, "--windows", "--log", "jsonl"], env=environment,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=20)
+            self.assertLess(time.monotonic() - start, 5)
+        log = [json.loads(line) for line in run.stdout.decode().splitlines()]
+        self.assertEqual([each["ending"] for each in log if "dialog" in each], ["nobody there"] * len(
+            [each for each in log if "dialog" in each]))
+        self.assertIn("not jumped", [each["arguments"]["tInfoStr"] for each in log if each.get("event") == "Info"])
+        self.assertEqual(log[-1]["message"],
+                         "statement 5 on line 7 failed: there was no operator to answer InputNumber")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *unittest_arguments])

@@ -1,0 +1,676 @@
+#include <windows.h>
+
+#include "ui/frmCDInputBox.h"
+// After windows.h, which it needs.
+#include <gmock/gmock.h>
+#include <oleauto.h>
+
+#include <limits>
+#include <thread>
+
+#include "platform/desktop-win32.h"
+#include "platform/value_rules.h"
+#include "tests/platform/open_dialog-win32.h"
+#include "ui/input_rules.h"
+
+namespace corvane {
+namespace {
+
+using Form = frmCDInputBox;
+using Ending = InputAnswer::Ending;
+
+constexpr Form::Control labels[] = {Form::lblQuestion, Form::lblRange, Form::lblReturnValue, Form::lblReason,
+                                    Form::lblValueCaption};
+constexpr Form::Control allControls[] = {Form::lblQuestion,     Form::txtNumValue, Form::txtStrValue,
+                                         Form::lblRange,        Form::lblReason,   Form::lblReturnValue,
+                                         Form::lblValueCaption, Form::cmdOK,       Form::cmdCancel};
+
+/// An open box, as its controls tell.
+class OpenBox {
+public:
+    explicit OpenBox(HWND window) : window_(window) {}
+    HWND window() const { return window_; }
+    HWND control(Form::Control id) const { return GetDlgItem(window_, id); }
+    std::u16string text(Form::Control id) const { return textOf(control(id)); }
+    bool isVisible(Form::Control id) const { return IsWindowVisible(control(id)) != FALSE; }
+    HWND entry() const { return control(isVisible(Form::txtNumValue) ? Form::txtNumValue : Form::txtStrValue); }
+
+    LabelLook look(Form::Control label) const {
+        const HDC context = CreateCompatibleDC(nullptr);
+        SendMessageW(window_, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
+                     reinterpret_cast<LPARAM>(control(label)));
+        const COLORREF colour = GetTextColor(context);
+        DeleteDC(context);
+        return {colour, font(label).lfWeight == FW_BOLD};
+    }
+    LOGFONTW font(Form::Control id) const {
+        LOGFONTW font{};
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control(id), WM_GETFONT, 0, 0)), sizeof font, &font);
+        return font;
+    }
+    RECT place(Form::Control id) const {
+        RECT place{};
+        GetWindowRect(control(id), &place);
+        MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
+        return place;
+    }
+    RECT area() const {
+        RECT area{};
+        GetWindowRect(window_, &area);
+        return area;
+    }
+
+    void setEntry(const wchar_t* text, int caret) const {
+        SetWindowTextW(entry(), text);
+        SendMessageW(entry(), EM_SETSEL, static_cast<WPARAM>(caret), caret);
+    }
+    void type(std::u16string_view keys) const {
+        for (const char16_t key : keys) SendMessageW(entry(), WM_CHAR, key, 1);
+    }
+    /// As it comes from a keyboard: through the dialog's message loop, after what is happening now.
+    void post(WPARAM virtualKey, UINT message = WM_KEYDOWN) const {
+        PostMessageW(GetFocus(), message, virtualKey, message == WM_SYSCHAR ? 1 << 29 : 1);
+    }
+    /// As the Tab key does it.
+    void moveTo(Form::Control id) const {
+        SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(id)), TRUE);
+    }
+    std::pair<DWORD, DWORD> selection() const {
+        DWORD begin = 0;
+        DWORD end = 0;
+        SendMessageW(entry(), EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));
+        return {begin, end};
+    }
+    void press(Form::Control button) const { PostMessageW(control(button), BM_CLICK, 0, 0); }
+
+private:
+    HWND window_;
+};
+
+InputRequest number(float minimum, float maximum, InputKind kind = InputKind::SingleNumber) {
+    return {.initialValue = Value::ofSingle(2.5F),
+            .kind = kind,
+            .question = u"How much?",
+            .minimum = minimum,
+            .maximum = maximum,
+            .title = u"Enter Number"};
+}
+
+InputRequest string(std::u16string_view initial, float maximum) {
+    return {.initialValue = Value::ofText(initial),
+            .kind = InputKind::String,
+            .question = u"Which batch?",
+            .minimum = unlimitedMinimum,
+            .maximum = maximum,
+            .title = u"Enter String"};
+}
+
+// Opens a box, lets `act` work in it and presses OK.
+InputAnswer asked(const InputRequest& request, const std::function<void(const OpenBox&)>& act,
+                  const NumberLocale& locale = NumberLocale::pointDecimal(), IDispatch* ownerForm = nullptr) {
+    const WhileOpen whileOpen([&](HWND window) {
+        const OpenBox box(window);
+        act(box);
+        box.press(Form::cmdOK);
+    });
+    return frmCDInputBox(locale).GetInput(request, ownerForm);
+}
+
+// Opens a box and lets `act` close it.
+InputAnswer closed(const InputRequest& request, const std::function<void(const OpenBox&)>& act) {
+    const WhileOpen whileOpen([&](HWND window) { act(OpenBox(window)); });
+    return frmCDInputBox(NumberLocale::pointDecimal()).GetInput(request);
+}
+
+// ------------------------------------------------------------------------------------------------------ what it shows
+
+TEST(InputBoxWindow, ShowsTheControlsOfANumber) {
+    const InputAnswer answer = asked(number(1, 10), [](const OpenBox& box) {
+        EXPECT_EQ(textOf(box.window()), u"Enter Number");
+        EXPECT_EQ(box.text(Form::lblQuestion), u"How much?");
+        EXPECT_EQ(box.text(Form::txtNumValue), u"2.5");
+        EXPECT_TRUE(box.isVisible(Form::txtNumValue));
+        EXPECT_FALSE(box.isVisible(Form::txtStrValue));
+        EXPECT_EQ(box.text(Form::lblRange), u"(Please enter a value between: 1 and 10)");
+        EXPECT_FALSE(box.isVisible(Form::lblRange));
+        EXPECT_EQ(box.text(Form::lblValueCaption), u"Value:");
+        EXPECT_EQ(box.text(Form::lblReturnValue), u"2.5");
+        EXPECT_EQ(box.text(Form::lblReason), u"");
+        EXPECT_EQ(box.text(Form::cmdCancel), u"&Cancel");
+        EXPECT_EQ(GetFocus(), box.control(Form::txtNumValue));
+    });
+    EXPECT_EQ(answer.ending, Ending::Accepted);
+    EXPECT_EQ(answer.value.single(), 2.5F);
+}
+
+TEST(InputBoxWindow, ShowsTheControlsOfAString) {
+    const InputAnswer answer = asked(string(u"b & c", 20), [](const OpenBox& box) {
+        EXPECT_EQ(textOf(box.window()), u"Enter String");
+        EXPECT_EQ(box.text(Form::txtStrValue), u"b & c");
+        EXPECT_TRUE(box.isVisible(Form::txtStrValue));
+        EXPECT_FALSE(box.isVisible(Form::txtNumValue));
+        EXPECT_EQ(box.text(Form::lblRange), u"(Maximum String Lenght: 20)");
+        EXPECT_TRUE(box.isVisible(Form::lblRange));
+        EXPECT_EQ(box.text(Form::lblReturnValue), u"b & c");
+        EXPECT_EQ(box.text(Form::lblReason), u"");
+        EXPECT_EQ(GetFocus(), box.control(Form::txtStrValue));
+    });
+    EXPECT_EQ(answer.ending, Ending::Accepted);
+    EXPECT_EQ(answer.value.textView(), u"b & c");
+}
+
+TEST(InputBoxWindow, HasTextsOfItsOwnWhereNoneAreGiven) {
+    const std::u16string title = applicationTitle();
+    const auto shows = [&](const char16_t* question) {
+        return [&title, question](const OpenBox& box) {
+            EXPECT_EQ(textOf(box.window()), title);
+            EXPECT_EQ(box.text(Form::lblQuestion), question);
+        };
+    };
+    struct Row {
+        InputKind kind;
+        const char16_t* question;
+    };
+    for (const Row& row :
+         {Row{InputKind::WholeNumber, u"Please enter an Long:"},
+          Row{InputKind::SingleNumber, u"Please enter a Single:"}, Row{InputKind::String, u"Please enter a String:"}}) {
+        InputRequest request = number(0, 10, row.kind);
+        request.question = {};
+        request.title = {};
+        asked(request, shows(row.question));
+    }
+}
+
+TEST(InputBoxWindow, CorrectsAsTheOperatorTypes) {
+    struct Row {
+        InputKind kind;
+        bool allowZero;
+        const char16_t* typed;
+        const char16_t* value;
+        const char16_t* reason;
+        bool isRangeVisible;
+    };
+    constexpr auto whole = InputKind::WholeNumber;
+    constexpr auto single = InputKind::SingleNumber;
+    const Row rows[] = {
+        {single, true, u"3.25", u"3.25", u"", false},
+        {single, true, u"10", u"10", u"", false},
+        {single, true, u"10.5", u"10", u"(Too large)", true},
+        {single, true, u"-2", u"0", u"(Too small)", true},
+        {single, true, u"0", u"0", u"", false},
+        {single, false, u"0", u"1", u"(Value is Zero)", false},
+        {single, false, u"", u"1", u"(Value is Zero)", false},
+        {whole, true, u"7", u"7", u"", false},
+        {whole, true, u"2.5", u"2", u"(Non Long)", false},
+        {whole, true, u"3.5", u"4", u"(Non Long)", false},
+        {whole, true, u"10.6", u"11", u"(Non Long)", false},
+        {whole, true, u"11", u"10", u"(Too large)", true},
+        {whole, false, u"-", u"1", u"(Value is Zero)", false},
+    };
+    for (const Row& row : rows) {
+        InputRequest request = number(10, 0, row.kind);
+        request.allowZero = row.allowZero;
+        const InputAnswer answer = asked(request, [&row](const OpenBox& box) {
+            box.setEntry(L"", 0);
+            box.type(row.typed);
+            EXPECT_EQ(box.text(Form::lblReturnValue), row.value);
+            EXPECT_EQ(box.text(Form::lblReason), row.reason);
+            EXPECT_EQ(box.isVisible(Form::lblRange), row.isRangeVisible);
+            EXPECT_EQ(box.look(Form::lblReturnValue), (LabelLook{0x800000, true}));
+            const bool isCorrected = *row.reason != u'\0';
+            EXPECT_EQ(box.look(Form::lblReason),
+                      isCorrected ? (LabelLook{0x800000, true}) : (LabelLook{0x404040, false}));
+        });
+        EXPECT_EQ(answer.ending, Ending::Accepted);
+        const std::u16string shown(toText(answer.value, NumberLocale::pointDecimal()).view());
+        EXPECT_EQ(shown, row.value) << testing::PrintToString(row.typed);
+    }
+}
+
+TEST(InputBoxWindow, ReturnsTheCorrectedInitialValueWithoutTyping) {
+    const auto nothing = [](const OpenBox&) {};
+    EXPECT_EQ(asked(number(5, 10), nothing).value.single(), 5.0F);
+    EXPECT_EQ(asked(number(0, 10, InputKind::WholeNumber), nothing).value.longInteger(), 2);
+    InputRequest empty = string(u"", 10);
+    empty.allowZero = false;
+    EXPECT_EQ(asked(empty, nothing).value.textView(), u" ");
+}
+
+TEST(InputBoxWindow, KeepsAnInitialTextThatNoEntryCouldHold) {
+    const std::u16string_view text(u"a\0b\r\nc", 6);
+    EXPECT_EQ(asked(string(text, 3), [](const OpenBox&) {}).value.textView(), text);
+}
+
+TEST(InputBoxWindow, LimitsWhatIsTypedToTheGreatestLength) {
+    struct Row {
+        float maximum;
+        const char16_t* text;
+    };
+    for (const Row& row : {Row{3, u"abc"}, Row{0, u"abcdef"}, Row{unlimitedMaximum, u"abcdef"}}) {
+        const InputAnswer answer = asked(string(u"", row.maximum), [](const OpenBox& box) { box.type(u"abcdef"); });
+        EXPECT_EQ(answer.value.textView(), row.text);
+    }
+}
+
+// --------------------------------------------------------------------------------------------------------------- keys
+
+TEST(InputBoxWindow, TakesTheKeysOfANumberOnly) {
+    struct Row {
+        const wchar_t* before;
+        int caret;
+        char16_t key;
+        bool comma;
+        const char16_t* after;
+        DWORD caretAfter;
+    };
+    const Row rows[] = {
+        {L"12", 2, u'-', false, u"-12", 3}, {L"-12", 3, u'-', false, u"12", 2},  {L"-12", 0, u'-', false, u"12", 0},
+        {L"12", 1, u'.', false, u"1.2", 2}, {L"1.2", 3, u'.', false, u"1.2", 3}, {L"12", 2, u',', false, u"12", 2},
+        {L"12", 1, u'n', false, u"1n2", 2}, {L"1.2", 3, u'n', false, u"1.2", 3}, {L"12", 1, u',', true, u"1,2", 2},
+        {L"1,2", 3, u',', true, u"1,2", 3}, {L"12", 2, u'.', true, u"12", 2},    {L"12", 2, u'n', true, u"12", 2},
+        {L"12", 1, u'0', false, u"102", 2}, {L"12", 1, u'9', false, u"192", 2},  {L"12", 1, u'\b', false, u"2", 0},
+        {L"12", 2, u'a', false, u"12", 2},  {L"12", 2, u' ', false, u"12", 2},   {L"12", 2, u'+', false, u"12", 2},
+        {L"12", 2, u'e', false, u"12", 2},  {L"12", 2, u'N', false, u"12", 2},   {L"12", 2, 22, false, u"12", 2},
+    };
+    for (const Row& row : rows) {
+        const auto& locale = row.comma ? NumberLocale::commaDecimal() : NumberLocale::pointDecimal();
+        asked(
+            number(0, 100),
+            [&row](const OpenBox& box) {
+                box.setEntry(row.before, row.caret);
+                SendMessageW(box.entry(), WM_CHAR, row.key, 1);
+                EXPECT_EQ(textOf(box.entry()), row.after) << +row.key;
+                EXPECT_EQ(box.selection(), std::pair(row.caretAfter, row.caretAfter)) << +row.key;
+            },
+            locale);
+    }
+}
+
+TEST(InputBoxWindow, WritesNumbersAsTheUserDoes) {
+    const InputAnswer answer = asked(
+        number(0.5F, 10),
+        [](const OpenBox& box) {
+            EXPECT_EQ(box.text(Form::txtNumValue), u"2,5");
+            EXPECT_EQ(box.text(Form::lblRange), u"(Please enter a value between: 0,5 and 10)");
+            box.setEntry(L"", 0);
+            box.type(u"3,75");
+            EXPECT_EQ(box.text(Form::lblReturnValue), u"3,75");
+        },
+        NumberLocale::commaDecimal());
+    EXPECT_EQ(answer.value.single(), 3.75F);
+}
+
+TEST(InputBoxWindow, JudgesAPastedText) {
+    EXPECT_EQ(asked(number(0, 10), [](const OpenBox& box) { SetWindowTextW(box.entry(), L"abc"); }).value.single(),
+              0.0F);
+}
+
+TEST(InputBoxWindow, ClosesByItsKeysAndButtons) {
+    struct Row {
+        const char* how;
+        std::function<void(const OpenBox&)> act;
+        Ending ending;
+    };
+    const Row rows[] = {
+        {"Enter", [](const OpenBox& box) { box.post(VK_RETURN); }, Ending::Accepted},
+        {"Escape", [](const OpenBox& box) { box.post(VK_ESCAPE); }, Ending::Cancelled},
+        {"OK", [](const OpenBox& box) { box.press(Form::cmdOK); }, Ending::Accepted},
+        {"Cancel", [](const OpenBox& box) { box.press(Form::cmdCancel); }, Ending::Cancelled},
+        {"Alt+O", [](const OpenBox& box) { box.post(L'o', WM_SYSCHAR); }, Ending::Accepted},
+        {"Alt+C", [](const OpenBox& box) { box.post(L'c', WM_SYSCHAR); }, Ending::Cancelled},
+        {"the frame", [](const OpenBox& box) { PostMessageW(box.window(), WM_SYSCOMMAND, SC_CLOSE, 0); },
+         Ending::Cancelled},
+        {"Enter on Cancel",
+         [](const OpenBox& box) {
+             box.moveTo(Form::cmdCancel);
+             box.post(VK_RETURN);
+         },
+         Ending::Cancelled},
+        {"Escape on OK",
+         [](const OpenBox& box) {
+             box.moveTo(Form::cmdOK);
+             box.post(VK_ESCAPE);
+         },
+         Ending::Cancelled},
+    };
+    for (const Row& row : rows)
+        for (const bool asksNumber : {true, false}) {
+            const InputAnswer answer = closed(asksNumber ? number(5, 10) : string(u"b", 10), row.act);
+            EXPECT_EQ(answer.ending, row.ending) << row.how;
+            const bool isInitial = asksNumber ? answer.value.single() == 2.5F : answer.value.textView() == u"b";
+            EXPECT_EQ(isInitial, row.ending == Ending::Cancelled || !asksNumber) << row.how;
+        }
+}
+
+TEST(InputBoxWindow, SelectsAllWhenTheEntryGetsTheFocus) {
+    for (const bool asksNumber : {true, false})
+        asked(asksNumber ? number(0, 10) : string(u"abc", 10), [](const OpenBox& box) {
+            EXPECT_EQ(box.selection(), std::pair(DWORD{0}, DWORD{3}));
+            SendMessageW(box.entry(), EM_SETSEL, 1, 1);
+            SetFocus(box.control(Form::cmdOK));
+            SetFocus(box.entry());
+            EXPECT_EQ(box.selection(), std::pair(DWORD{0}, DWORD{3}));
+        });
+}
+
+TEST(InputBoxWindow, GoesFromTheEntryOverOkToCancel) {
+    asked(number(0, 10), [](const OpenBox& box) {
+        const auto next = [&](HWND from) { return GetNextDlgTabItem(box.window(), from, FALSE); };
+        EXPECT_EQ(next(box.entry()), box.control(Form::cmdOK));
+        EXPECT_EQ(next(box.control(Form::cmdOK)), box.control(Form::cmdCancel));
+        EXPECT_EQ(next(box.control(Form::cmdCancel)), box.entry());
+    });
+}
+
+// A screen reader takes the name of an entry from the visible label before it.
+TEST(InputBoxWindow, NamesTheEntryByTheQuestion) {
+    for (const bool asksNumber : {true, false})
+        asked(asksNumber ? number(0, 10) : string(u"abc", 10), [](const OpenBox& box) {
+            HWND before = box.entry();
+            do before = GetWindow(before, GW_HWNDPREV);
+            while (before != nullptr && IsWindowVisible(before) == FALSE);
+            EXPECT_EQ(before, box.control(Form::lblQuestion));
+        });
+}
+
+// -------------------------------------------------------------------------------------------------------------- layout
+
+// How high the question is drawn at the width that it has.
+int neededHeight(const OpenBox& box) {
+    const RECT place = box.place(Form::lblQuestion);
+    RECT needed{0, 0, place.right - place.left, 0};
+    const HDC context = GetDC(box.window());
+    const HGDIOBJ before =
+        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(box.control(Form::lblQuestion), WM_GETFONT, 0, 0)));
+    const std::u16string text = box.text(Form::lblQuestion);
+    const std::wstring wide(text.begin(), text.end());
+    DrawTextW(context, wide.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX);
+    SelectObject(context, before);
+    ReleaseDC(box.window(), context);
+    return needed.bottom;
+}
+
+void expectTidy(const OpenBox& box) {
+    RECT client{};
+    GetClientRect(box.window(), &client);
+    for (const Form::Control id : allControls) {
+        const RECT place = box.place(id);
+        EXPECT_GT(place.left, 0) << id;
+        EXPECT_GT(place.top, 0) << id;
+        EXPECT_LT(place.right, client.right) << id;
+        EXPECT_LT(place.bottom, client.bottom) << id;
+    }
+    EXPECT_LE(box.place(Form::lblQuestion).bottom, box.place(Form::txtNumValue).top);
+    EXPECT_LE(box.place(Form::txtNumValue).bottom, box.place(Form::lblReturnValue).top);
+    EXPECT_LE(box.place(Form::lblReturnValue).right, box.place(Form::lblReason).left);
+    EXPECT_LE(box.place(Form::lblReturnValue).bottom, box.place(Form::lblRange).top);
+    EXPECT_LE(box.place(Form::lblRange).bottom, box.place(Form::cmdOK).top);
+    EXPECT_LE(box.place(Form::cmdOK).right, box.place(Form::cmdCancel).left);
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    const RECT area = box.area();
+    EXPECT_TRUE(area.left >= screen.left && area.top >= screen.top);
+    EXPECT_TRUE(area.right <= screen.right && area.bottom <= screen.bottom);
+}
+
+std::u16string repeated(std::u16string_view part, int times) {
+    std::u16string text;
+    for (int i = 0; i < times; ++i) text += part;
+    return text;
+}
+
+TEST(InputBoxWindow, GrowsWithItsQuestion) {
+    int heightBefore = 0;
+    for (const int words : {1, 30, 60, 120, 240}) {
+        const std::u16string question = repeated(u"powder ", words);
+        InputRequest request = number(0, 10);
+        request.question = question;
+        asked(request, [&](const OpenBox& box) {
+            expectTidy(box);
+            const RECT place = box.place(Form::lblQuestion);
+            const int height = place.bottom - place.top;
+            EXPECT_GE(height, neededHeight(box));
+            EXPECT_GT(height, heightBefore);
+            heightBefore = height;
+        });
+    }
+}
+
+TEST(InputBoxWindow, BreaksLongWordsAndLines) {
+    for (const std::u16string& question : {repeated(u"W", 300), std::u16string(u"one\r\ntwo\nthree\rfour")}) {
+        InputRequest request = number(0, 10);
+        request.question = question;
+        asked(request, [](const OpenBox& box) {
+            expectTidy(box);
+            const RECT place = box.place(Form::lblQuestion);
+            EXPECT_GE(place.bottom - place.top, neededHeight(box));
+            EXPECT_GE(place.bottom - place.top, 3 * std::abs(box.font(Form::lblQuestion).lfHeight));
+        });
+    }
+}
+
+TEST(InputBoxWindow, ScrollsAQuestionThatIsTooLongForTheScreen) {
+    for (const int lines : {200, 20000}) {
+        const std::u16string question = repeated(u"a line of a question\n", lines) + u"the end";
+        InputRequest request = number(0, 10);
+        request.question = question;
+        const DWORD start = GetTickCount();
+        asked(request, [](const OpenBox& box) {
+            expectTidy(box);
+            EXPECT_NE(GetWindowLongPtrW(box.control(Form::lblQuestion), GWL_STYLE) & WS_VSCROLL, 0);
+            EXPECT_TRUE(box.text(Form::lblQuestion).ends_with(u"question\r\nthe end"));
+            EXPECT_EQ(GetFocus(), box.entry());
+        });
+        EXPECT_LT(GetTickCount() - start, 5000U);
+    }
+}
+
+TEST(InputBoxWindow, IsAsWideAsItsRange) {
+    asked(number(-1.234567e-30F, 1.234567e+30F), [](const OpenBox& box) { expectTidy(box); });
+    asked(number(-16777215, 16777215), [](const OpenBox& box) { expectTidy(box); });
+}
+
+TEST(InputBoxWindow, IsReadableAtEachResolution) {
+    InputRequest request = number(0, 10);
+    const std::u16string question = repeated(u"powder ", 40);
+    request.question = question;
+    asked(request, [](const OpenBox& box) {
+        const LONG normalHeight = std::abs(box.font(Form::txtNumValue).lfHeight);
+        const RECT normal = box.area();
+        for (const int dpi : {144, 192, 96}) {
+            RECT proposed = normal;
+            proposed.left = 20;
+            proposed.top = 10;
+            SendMessageW(box.window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+            expectTidy(box);
+            EXPECT_EQ(box.area().left, 20);
+            EXPECT_NEAR(std::abs(box.font(Form::txtNumValue).lfHeight), normalHeight * dpi / 96, 1);
+            EXPECT_NEAR(std::abs(box.font(Form::lblQuestion).lfHeight), normalHeight * dpi / 96, 1);
+            const RECT place = box.place(Form::lblQuestion);
+            EXPECT_GE(place.bottom - place.top, neededHeight(box));
+            const RECT button = box.place(Form::cmdOK);
+            EXPECT_EQ(button.right - button.left, MulDiv(80, dpi, 96));
+        }
+    });
+}
+
+TEST(InputBoxWindow, HasLabelsInArialAndTheRestInTheFontOfMessages) {
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    asked(number(0, 10), [&](const OpenBox& box) {
+        for (const Form::Control id : labels) EXPECT_STREQ(box.font(id).lfFaceName, L"Arial");
+        for (const Form::Control id : {Form::txtNumValue, Form::txtStrValue, Form::cmdOK, Form::cmdCancel})
+            EXPECT_STREQ(box.font(id).lfFaceName, metrics.lfMessageFont.lfFaceName);
+    });
+}
+
+// ----------------------------------------------------------------------------------------------------------- placement
+
+/// A form of a host, by its four properties.
+class HostForm final : public IDispatch {
+public:
+    HostForm(double left, double top, double width, double height) : values_{left, top, width, height} {}
+    void failAt(int position) { failing_ = position; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
+        constexpr const wchar_t* properties[] = {L"Left", L"Top", L"Width", L"Height"};
+        for (int i = 0; i < 4; ++i)
+            if (std::wstring_view(names[0]) == properties[i]) {
+                ids[0] = 10 + i;
+                return S_OK;
+            }
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override {
+        if (id - 10 == failing_ || flags != DISPATCH_PROPERTYGET || parameters->cArgs != 0) return DISP_E_EXCEPTION;
+        // As varied as hosts are.
+        V_VT(result) = VT_R8;
+        V_R8(result) = values_[id - 10];
+        if (id == 10) return VariantChangeType(result, result, 0, VT_R4);
+        if (id == 11) return VariantChangeType(result, result, 0, VT_BSTR);
+        return S_OK;
+    }
+
+private:
+    double values_[4];
+    int failing_ = -1;
+};
+
+POINT middle(const RECT& area) { return {(area.left + area.right) / 2, (area.top + area.bottom) / 2}; }
+
+void expectMiddle(const RECT& area, long x, long y) {
+    EXPECT_NEAR(middle(area).x, x, 1);
+    EXPECT_NEAR(middle(area).y, y, 1);
+}
+
+TEST(InputBoxWindow, StandsCentredOverTheOwnerForm) {
+    // 15 twips are a pixel of 96 to the inch.
+    HostForm form(100 * 15, 200 * 15, 600 * 15, 400 * 15);
+    asked(
+        number(0, 10), [](const OpenBox& box) { expectMiddle(box.area(), 400, 400); }, NumberLocale::pointDecimal(),
+        &form);
+}
+
+TEST(InputBoxWindow, IsKeptOnTheScreen) {
+    for (const double at : {-1e9, -5000.0, 5000.0, 1e9}) {
+        HostForm form(at * 15, at * 15, 6000, 4000);
+        asked(
+            number(0, 10), [](const OpenBox& box) { expectTidy(box); }, NumberLocale::pointDecimal(), &form);
+    }
+}
+
+TEST(InputBoxWindow, StandsOverTheHostsWindowWithoutAUsableForm) {
+    const HostWindow host(L"Host", 100, 80, 700, 500);
+    SetActiveWindow(host);
+    const auto overHost = [](const OpenBox& box) { expectMiddle(box.area(), 450, 330); };
+    asked(number(0, 10), overHost);
+    for (int position = 0; position < 4; ++position) {
+        HostForm form(0, 0, 9000, 9000);
+        form.failAt(position);
+        asked(number(0, 10), overHost, NumberLocale::pointDecimal(), &form);
+    }
+    HostForm nowhere(0, 0, std::numeric_limits<double>::quiet_NaN(), 9000);
+    asked(number(0, 10), overHost, NumberLocale::pointDecimal(), &nowhere);
+}
+
+TEST(InputBoxWindow, StandsInTheMiddleOfTheScreenWithoutAHost) {
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    asked(number(0, 10), [&](const OpenBox& box) { expectMiddle(box.area(), middle(screen).x, middle(screen).y); });
+}
+
+// ------------------------------------------------------------------------------------------------------ among the host
+
+TEST(InputBoxWindow, KeepsTheHostsWindowsFromInputWhileItIsOpen) {
+    const HostWindow main(L"Main");
+    const HostWindow other(L"Other", 300, 200);
+    SetActiveWindow(main);
+    asked(number(0, 10), [&](const OpenBox& box) {
+        EXPECT_EQ(GetWindow(box.window(), GW_OWNER), static_cast<HWND>(main));
+        EXPECT_FALSE(main.takesInput() || other.takesInput());
+    });
+    EXPECT_TRUE(main.takesInput() && other.takesInput());
+    EXPECT_EQ(GetActiveWindow(), static_cast<HWND>(main));
+}
+
+TEST(InputBoxWindow, IsTheOnlyOneOfItsThread) {
+    const InputAnswer first = asked(number(0, 10), [](const OpenBox& box) {
+        const DWORD start = GetTickCount();
+        const InputAnswer second = frmCDInputBox(NumberLocale::pointDecimal()).GetInput(string(u"second", 10));
+        EXPECT_EQ(second.ending, Ending::Unavailable);
+        EXPECT_EQ(second.value.textView(), u"second");
+        EXPECT_LT(GetTickCount() - start, 1000U);
+        EXPECT_EQ(openDialogs().size(), 1U);
+        box.setEntry(L"7", 1);
+    });
+    EXPECT_EQ(first.ending, Ending::Accepted);
+    EXPECT_EQ(first.value.single(), 7.0F);
+    EXPECT_EQ(asked(number(0, 10), [](const OpenBox&) {}).ending, Ending::Accepted);
+}
+
+void CALLBACK pressOk(HWND, UINT, UINT_PTR, DWORD) {
+    for (const HWND dialog : openDialogs()) OpenBox(dialog).press(Form::cmdOK);
+}
+
+TEST(InputBoxWindow, OpensOnEachThread) {
+    asked(number(0, 10), [](const OpenBox& box) {
+        InputAnswer other;
+        std::thread thread([&other] {
+            const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, pressOk);
+            other = frmCDInputBox(NumberLocale::pointDecimal()).GetInput(number(4, 10));
+            KillTimer(nullptr, timer);
+        });
+        thread.join();
+        EXPECT_EQ(other.ending, Ending::Accepted);
+        EXPECT_EQ(other.value.single(), 4.0F);
+        EXPECT_NE(IsWindow(box.window()), FALSE);
+    });
+}
+
+TEST(InputBoxWindow, ClosesWhenTheProgramIsToQuit) {
+    const InputAnswer answer = closed(number(5, 10), [](const OpenBox&) { PostQuitMessage(9); });
+    EXPECT_EQ(answer.ending, Ending::Unavailable);
+    EXPECT_EQ(answer.value.single(), 2.5F);
+    EXPECT_EQ(waitingQuit(), 9);
+    EXPECT_TRUE(openDialogs().empty());
+}
+
+TEST(InputBoxWindow, ClosesWithItsOwner) {
+    std::optional<HostWindow> host(std::in_place);
+    SetActiveWindow(*host);
+    const InputAnswer answer = closed(number(5, 10), [&](const OpenBox&) { host.reset(); });
+    EXPECT_EQ(answer.ending, Ending::Unavailable);
+    EXPECT_EQ(asked(number(0, 10), [](const OpenBox&) {}).ending, Ending::Accepted);
+}
+
+TEST(InputBoxWindow, IsAnsweredAtOnceWhereNobodySeesTheDesktop) {
+    const UnseenDesktop unseen;
+    WhileOpen whileOpen([](HWND) {});
+    whileOpen.mayStayClosed();
+    const DWORD start = GetTickCount();
+    const InputAnswer answer = frmCDInputBox(NumberLocale::pointDecimal()).GetInput(number(5, 10));
+    EXPECT_EQ(answer.ending, Ending::Unavailable);
+    EXPECT_EQ(answer.value.single(), 2.5F);
+    EXPECT_LT(GetTickCount() - start, 1000U);
+}
+
+TEST(InputBoxWindow, LeavesNothingBehind) {
+    asked(number(0, 10), [](const OpenBox&) {});
+    const DWORD before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    for (int i = 0; i < 20; ++i) asked(number(0, 10), [](const OpenBox&) {});
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before);
+    EXPECT_TRUE(openDialogs().empty());
+}
+
+}  // namespace
+}  // namespace corvane
