@@ -108,7 +108,7 @@ HWND createWindow() {
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
     struct {
-        DLGTEMPLATE dialog;
+        alignas(DWORD) DLGTEMPLATE dialog;
         WORD menu, windowClass, title, fontSize;
         wchar_t font[13];
     } shape{};

@@ -12,11 +12,19 @@ constexpr std::u16string_view unusedParameter = u"    ";
 
 std::shared_ptr<clsScriptControl> clsProgramFunctionList::startListing() {
     auto control = std::make_shared<clsScriptControl>(services_, options_);
-    functionList_ = newCollection_();
+    Reference<FunctionCollection> listing = newCollection_();
     releaseControl();
     control_ = control;
     control->setEventSink(this);
+    // The old listing goes when all is in place, since letting go of a host's objects may make the host call in.
+    std::swap(functionList_, listing);
     return control;
+}
+
+bool clsProgramFunctionList::finishLoad(const clsScriptControl& control, bool loaded) {
+    // A load from inside this one has taken its place.
+    if (control_.get() == &control) scriptLoaded_ = loaded;
+    return loaded;
 }
 
 void clsProgramFunctionList::releaseControl() {
@@ -27,16 +35,14 @@ void clsProgramFunctionList::releaseControl() {
 
 bool clsProgramFunctionList::LoadProgramScript_FromFile(std::u16string_view tFileName) {
     const std::shared_ptr<clsScriptControl> control = startListing();
-    scriptLoaded_ = control->LoadScript_FromFile(tFileName);
-    return scriptLoaded_;
+    return finishLoad(*control, control->LoadScript_FromFile(tFileName));
 }
 
 bool clsProgramFunctionList::LoadProgramScript_FromDatabase(std::u16string_view tScriptString,
                                                             std::u16string_view tScriptName, std::int32_t tUID,
                                                             std::int32_t tVersion) {
     const std::shared_ptr<clsScriptControl> control = startListing();
-    scriptLoaded_ = control->LoadScript_FromScript(tScriptString, tScriptName, tUID, tVersion);
-    return scriptLoaded_;
+    return finishLoad(*control, control->LoadScript_FromScript(tScriptString, tScriptName, tUID, tVersion));
 }
 
 bool clsProgramFunctionList::CreateFunctionList(Reference<FunctionCollection>& tFunctionList) {

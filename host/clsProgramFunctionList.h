@@ -50,6 +50,7 @@ private:
     void recordDataSet(clsProgramFunction& entry, const Event& event) const;
     void addParameter(clsProgramFunction& entry, const Value& value) const;
     std::shared_ptr<clsScriptControl> startListing();
+    bool finishLoad(const clsScriptControl& control, bool loaded);
     void releaseControl();
 
     EngineServices services_;

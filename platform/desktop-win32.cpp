@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <optional>
 
 namespace corvane {
@@ -10,11 +11,23 @@ namespace {
 // Calls `visit` with each visible window of the calling thread, the frontmost first, until it answers false.
 template <typename Visit>
 void forEachWindow(Visit visit) {
+    struct Walk {
+        Visit& visit;
+        std::exception_ptr failure;
+    } walk{visit, nullptr};
     const auto step = [](HWND window, LPARAM argument) CALLBACK -> BOOL {
         if (IsWindowVisible(window) == FALSE) return TRUE;
-        return (*reinterpret_cast<Visit*>(argument))(window) ? TRUE : FALSE;
+        Walk& walk = *reinterpret_cast<Walk*>(argument);
+        // No exception may pass through the system's own code.
+        try {
+            return walk.visit(window) ? TRUE : FALSE;
+        } catch (...) {
+            walk.failure = std::current_exception();
+            return FALSE;
+        }
     };
-    EnumThreadWindows(GetCurrentThreadId(), step, reinterpret_cast<LPARAM>(&visit));
+    EnumThreadWindows(GetCurrentThreadId(), step, reinterpret_cast<LPARAM>(&walk));
+    if (walk.failure) std::rethrow_exception(walk.failure);
 }
 
 std::wstring programFile() {

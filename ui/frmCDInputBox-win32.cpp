@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -14,6 +15,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/desktop-win32.h"
+#include "platform/floating_point.h"
 #include "ui/input_rules.h"
 #include "ui/late_bound-win32.h"
 #include "ui/placement.h"
@@ -34,16 +36,21 @@ int systemDpi() {
     return dpi > 0 ? dpi : USER_DEFAULT_SCREEN_DPI;
 }
 
-// None for a form that does not tell all four.
+// Where the system puts what is minimised is less than this, in pixels; no screen is there.
+constexpr int minimised = -20000;
+
+// None for a form that does not tell all four, and for one that is minimised.
 std::optional<ScreenArea> areaOfForm(IDispatch* form) {
     const LateBoundObject owner(form);
     const auto pixels = [&owner](const wchar_t* property) {
         const double twips = owner.get(property).toDouble();
+        const ComponentArithmetic arithmetic;
         if (std::isnan(twips)) throw automation_error(ErrorNumber::Overflow);
         return static_cast<int>(std::clamp(twips * systemDpi() / twipsPerInch, -farAway, farAway));
     };
     try {
-        return ScreenArea{pixels(L"Left"), pixels(L"Top"), pixels(L"Width"), pixels(L"Height")};
+        const ScreenArea area{pixels(L"Left"), pixels(L"Top"), pixels(L"Width"), pixels(L"Height")};
+        return area.left < minimised && area.top < minimised ? std::nullopt : std::optional(area);
     } catch (const automation_error&) {
         return std::nullopt;
     }
@@ -92,9 +99,19 @@ LOGFONTW messageFont(int dpi) {
     if (forDpi != nullptr &&
         forDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, static_cast<UINT>(dpi)) != FALSE)
         return metrics.lfMessageFont;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-    metrics.lfMessageFont.lfHeight = MulDiv(metrics.lfMessageFont.lfHeight, dpi, systemDpi());
-    return metrics.lfMessageFont;
+    LOGFONTW font{};
+    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0) != FALSE) {
+        font = metrics.lfMessageFont;
+    } else {
+        // Windows before version 6 knows the structure without its last member only.
+        metrics.cbSize = offsetof(NONCLIENTMETRICSW, iPaddedBorderWidth);
+        if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0) != FALSE)
+            font = metrics.lfMessageFont;
+        else
+            GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
+    }
+    font.lfHeight = MulDiv(font.lfHeight, dpi, systemDpi());
+    return font;
 }
 
 struct FontDeleter {
@@ -211,6 +228,13 @@ void setText(HWND control, std::u16string_view text) {
     SetWindowTextW(control, shown.c_str());
 }
 
+// The rules calculate, and the host may have set how: in its own way only its windows and the system work.
+template <typename Step>
+auto inOwnArithmetic(Step step) {
+    const ComponentArithmetic arithmetic;
+    return step();
+}
+
 class InputWindow {
 public:
     InputWindow(InputRules& rules, std::u16string_view decimalSeparator, IDispatch* ownerForm)
@@ -243,6 +267,9 @@ private:
     void addToolTip();
     void setFonts();
     int contentWidth() const;
+    int captionWidth() const;
+    int reasonWidth() const;
+    int buttonWidth() const;
     int questionHeight(int width) const;
     void layOut();
     void place(Form::Control id, int left, int top, int width, int height) const;
@@ -268,7 +295,7 @@ private:
 
 bool InputWindow::show() {
     struct {
-        DLGTEMPLATE dialog;
+        alignas(DWORD) DLGTEMPLATE dialog;
         WORD menu, windowClass, title;
     } shape{};
     owner_ = hostWindow();
@@ -353,7 +380,8 @@ void InputWindow::handleCommand(WORD id, WORD notification) {
     if (id != GetDlgCtrlID(entry())) return;
     if (notification == EN_SETFOCUS) SendMessageW(entry(), EM_SETSEL, 0, -1);
     if (notification == EN_CHANGE) {
-        rules_.change(textOf(entry()));
+        const std::u16string text = textOf(entry());
+        inOwnArithmetic([&] { rules_.change(text); });
         showState();
     }
 }
@@ -447,6 +475,8 @@ void InputWindow::createQuestion() {
 }
 
 void InputWindow::addToolTip() {
+    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES};
+    InitCommonControlsEx(&classes);
     const HWND toolTip =
         CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
                         CW_USEDEFAULT, CW_USEDEFAULT, window_, nullptr, ownModule(), nullptr);
@@ -480,7 +510,7 @@ std::optional<LabelLook> InputWindow::lookOf(HWND label) const {
 }
 
 void InputWindow::showState() {
-    setText(control(Form::lblReturnValue), rules_.returnValueText());
+    setText(control(Form::lblReturnValue), inOwnArithmetic([&] { return rules_.returnValueText(); }));
     setText(control(Form::lblReason), rules_.reason());
     const Font& reasonFont = rules_.reasonLook().bold ? fonts_->boldLabel : fonts_->label;
     SendMessageW(control(Form::lblReason), WM_SETFONT, reinterpret_cast<WPARAM>(reasonFont.get()), TRUE);
@@ -494,8 +524,8 @@ constexpr int margin = 12;
 constexpr int narrow = 300;
 constexpr int wide = 420;
 constexpr int widest = 560;
-constexpr int buttonWidth = 80;
-constexpr int buttonHeight = 24;
+constexpr int narrowestButton = 80;
+constexpr int lowestButton = 24;
 constexpr int smallGap = 6;
 constexpr int largeGap = 14;
 
@@ -503,13 +533,36 @@ int InputWindow::questionHeight(int width) const {
     return TextMeasure(window_, fonts_->label).height(questionText_, width);
 }
 
-// Wide enough for the range, and wider the more there is to read.
+int InputWindow::captionWidth() const {
+    return TextMeasure(window_, fonts_->label).width(L"Value:") + scaled(smallGap);
+}
+
+int InputWindow::reasonWidth() const {
+    if (!asksNumber()) return 0;
+    const TextMeasure measure(window_, fonts_->boldLabel);
+    int width = 0;
+    for (const Correction each : {Correction::NonLong, Correction::TooLarge, Correction::TooSmall, Correction::Zero})
+        width = std::max(width, measure.width(windowText(reasonText(each))));
+    return width;
+}
+
+int InputWindow::buttonWidth() const {
+    const TextMeasure measure(window_, fonts_->message);
+    const int text = std::max(measure.width(L"OK"), measure.width(L"Cancel"));
+    return std::max(scaled(narrowestButton), text + 2 * scaled(largeGap));
+}
+
+// Wide enough for every line below the question, and wider the more there is to read.
 int InputWindow::contentWidth() const {
     constexpr std::size_t shortQuestion = 120;
     constexpr std::size_t longQuestion = 400;
     const std::size_t length = questionText_.size();
     const int width = scaled(length <= shortQuestion ? narrow : length <= longQuestion ? wide : widest);
-    return std::max(width, TextMeasure(window_, fonts_->label).width(windowText(rules_.rangeText())));
+    const int range = TextMeasure(window_, fonts_->label).width(windowText(rules_.rangeText()));
+    // The longest text of a number; a string's is cut off.
+    const int value = TextMeasure(window_, fonts_->boldLabel).width(L"-1.234567E-30 ");
+    const int buttons = 2 * buttonWidth() + scaled(smallGap);
+    return std::max({width, range, captionWidth() + value + reasonWidth(), buttons});
 }
 
 void InputWindow::place(Form::Control id, int left, int top, int width, int height) const {
@@ -534,20 +587,21 @@ void InputWindow::layOut() {
     place(Form::txtStrValue, left, top, width, entryHeight);
     top += entryHeight + scaled(smallGap) * 2;
 
-    const int captionWidth = TextMeasure(window_, fonts_->label).width(L"Value:") + scaled(smallGap);
-    const int reasonWidth = asksNumber() ? width * 2 / 5 : 0;
-    place(Form::lblValueCaption, left, top, captionWidth, lineHeight);
-    place(Form::lblReturnValue, left + captionWidth, top, width - captionWidth - reasonWidth, lineHeight);
-    place(Form::lblReason, left + width - reasonWidth, top, reasonWidth, lineHeight);
+    const int caption = captionWidth();
+    const int reason = reasonWidth();
+    place(Form::lblValueCaption, left, top, caption, lineHeight);
+    place(Form::lblReturnValue, left + caption, top, width - caption - reason, lineHeight);
+    place(Form::lblReason, left + width - reason, top, reason, lineHeight);
     top += lineHeight + scaled(smallGap);
     place(Form::lblRange, left, top, width, lineHeight);
     top += lineHeight + scaled(largeGap);
 
-    const int button = scaled(buttonWidth);
+    const int button = buttonWidth();
+    const int buttonHeight = std::max(scaled(lowestButton), messageHeight + scaled(smallGap));
     const int cancelLeft = left + width - button;
-    place(Form::cmdCancel, cancelLeft, top, button, scaled(buttonHeight));
-    place(Form::cmdOK, cancelLeft - scaled(smallGap) - button, top, button, scaled(buttonHeight));
-    setClientSize(left + width + left, top + scaled(buttonHeight) + left);
+    place(Form::cmdCancel, cancelLeft, top, button, buttonHeight);
+    place(Form::cmdOK, cancelLeft - scaled(smallGap) - button, top, button, buttonHeight);
+    setClientSize(left + width + left, top + buttonHeight + left);
 }
 
 // The frame is as wide as the window has it now.
@@ -579,7 +633,8 @@ frmCDInputBox::frmCDInputBox(NumberLocale locale) : locale_(std::move(locale)) {
 InputAnswer frmCDInputBox::GetInput(const InputRequest& request, IDispatch* tOwnerForm) {
     using enum InputAnswer::Ending;
     if (!hasDesktop() || isToQuit() || isOpenOnThisThread()) return {request.initialValue, Unavailable};
-    InputRules rules(request, applicationTitle(), locale_);
+    const std::u16string title = applicationTitle();
+    InputRules rules = inOwnArithmetic([&] { return InputRules(request, title, locale_); });
     const std::u16string decimalSeparator = locale_.decimalMark;
     if (!InputWindow(rules, decimalSeparator, tOwnerForm).show()) return {request.initialValue, Unavailable};
     return {rules.result(), rules.isCancelled() ? Cancelled : Accepted};

@@ -96,8 +96,8 @@ void InputRules::change(std::u16string_view text) {
 
 std::u16string InputRules::returnValueText() const { return std::u16string(toText(returnValue_, locale_).view()); }
 
-std::u16string_view InputRules::reason() const {
-    switch (correction_) {
+std::u16string_view reasonText(Correction correction) {
+    switch (correction) {
         case Correction::None: return u"";
         case Correction::NonLong: return u"(Non Long)";
         case Correction::TooLarge: return u"(Too large)";

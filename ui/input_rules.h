@@ -23,6 +23,9 @@ enum class Correction {
     Zero,
 };
 
+/// What the operator reads of a correction; empty for none.
+std::u16string_view reasonText(Correction correction);
+
 /// How a label is drawn.
 struct LabelLook {
     std::uint32_t colour;  ///< 0xBBGGRR
@@ -61,7 +64,7 @@ public:
     std::u16string returnValueText() const;
     Correction correction() const { return correction_; }
     /// Why the value was corrected; empty when it was not.
-    std::u16string_view reason() const;
+    std::u16string_view reason() const { return reasonText(correction_); }
     /// A number's range is shown only while it is violated, a string's always.
     bool isRangeVisible() const;
     LabelLook returnValueLook() const { return {darkBlue, true}; }

@@ -135,7 +135,11 @@ DISPID LateBoundObject::idOf(const wchar_t* member) const {
     return id;
 }
 
-Variant LateBoundObject::get(const wchar_t* property) const { return invoke(idOf(property), DISPATCH_PROPERTYGET, {}); }
+// As languages ask that cannot tell a property from a method without arguments: some objects offer the one, some the
+// other.
+Variant LateBoundObject::get(const wchar_t* property) const {
+    return invoke(idOf(property), DISPATCH_METHOD | DISPATCH_PROPERTYGET, {});
+}
 
 void LateBoundObject::put(const wchar_t* property, Variant value) const {
     invoke(idOf(property), DISPATCH_PROPERTYPUT, {std::move(value)});

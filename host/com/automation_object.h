@@ -144,7 +144,7 @@ private:
 
     template <typename Use>
     HRESULT described(Use&& use) noexcept {
-        const DispatchInterface* description = description_.load(std::memory_order_relaxed);
+        const DispatchInterface* description = description_.load(std::memory_order_acquire);
         if (description == nullptr) {
             const HRESULT read = guardedCall(
                 CallSource{published_.interfaceId, published_.programId},

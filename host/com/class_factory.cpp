@@ -35,10 +35,8 @@ public:
         return FAILED(result) ? result : created->QueryInterface(id, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
-        if (lock)
-            ModuleUse::lock();
-        else
-            ModuleUse::unlock();
+        if (!lock) return ModuleUse::unlock() ? S_OK : E_UNEXPECTED;
+        ModuleUse::lock();
         return S_OK;
     }
 

@@ -58,6 +58,15 @@ private:
 
 }  // namespace
 
+CollectionObject::~CollectionObject() {
+    // The last reference to an item goes with its entry, and the item may call in once more on its way, even to add
+    // something: it finds a collection in order.
+    while (!entries_.empty()) {
+        keys_.clear();
+        const std::vector<std::unique_ptr<Entry>> going = std::exchange(entries_, {});
+    }
+}
+
 void CollectionObject::Add(Reference<clsProgramFunction> function) {
     auto entry = std::make_unique<Entry>();
     entry->recorded = std::move(function);

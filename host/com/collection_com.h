@@ -19,6 +19,7 @@ namespace corvane {
 class CollectionObject final : public AutomationObject<_Collection, FunctionCollection> {
 public:
     CollectionObject() : AutomationObject(publishedCollection) {}
+    ~CollectionObject() override;
 
     // FunctionCollection
 

@@ -37,6 +37,10 @@ void setVariant(VARIANT& variant, const Value& value) {
     }
 }
 
+bool isFixedSize(const SAFEARRAY& array) {
+    return (array.fFeatures & (FADF_AUTO | FADF_STATIC | FADF_EMBEDDED | FADF_FIXEDSIZE)) != 0;
+}
+
 void replaceStringArray(SAFEARRAY*& array, const StringTable& table) {
     struct Destroy {
         void operator()(SAFEARRAY* owned) const { SafeArrayDestroy(owned); }
@@ -49,8 +53,7 @@ void replaceStringArray(SAFEARRAY*& array, const StringTable& table) {
     auto* cell = static_cast<BSTR*>(strings->pvData);
     for (std::int32_t column = 0; column < table.columns(); ++column)
         for (std::int32_t row = 0; row < table.rows(); ++row) *cell++ = newText(table.at(row, column));
-    constexpr unsigned fixedSize = FADF_AUTO | FADF_STATIC | FADF_EMBEDDED | FADF_FIXEDSIZE;
-    if (array != nullptr && ((array->fFeatures & fixedSize) != 0 || FAILED(SafeArrayDestroy(array))))
+    if (array != nullptr && (isFixedSize(*array) || FAILED(SafeArrayDestroy(array))))
         throw automation_error(ErrorNumber::ArrayLocked);
     array = strings.release();
 }

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "engine/operator_dialogs.h"
-#include "host/com/floating_point.h"
+#include "platform/floating_point.h"
 #include "platform/message_pump.h"
 
 /// How the objects of the component reach the operator and their thread's messages.

@@ -7,15 +7,16 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "host/com/floating_point.h"
+#include "host/com/com_variant.h"
 #include "host/com/type_library.h"
 #include "platform/automation_error.h"
+#include "platform/floating_point.h"
 
 namespace corvane {
 namespace {
 
 // More than any member has.
-constexpr std::size_t maximumParameters = 7;
+constexpr std::size_t mostParameters = 7;
 
 void require(HRESULT result) {
     if (result == E_OUTOFMEMORY) throw automation_error(ErrorNumber::OutOfMemory);
@@ -74,22 +75,24 @@ DispatchInterface::Member DispatchInterface::describe(ITypeInfo& owner, const FU
     member.kind = function.invkind;
     member.vtableOffset = static_cast<ULONG_PTR>(function.oVft);
 
-    std::vector<BSTR> names(static_cast<std::size_t>(function.cParams) + 1);
+    std::vector<BSTR> texts(static_cast<std::size_t>(function.cParams) + 1);
     UINT named = 0;
-    require(owner.GetNames(function.memid, names.data(), static_cast<UINT>(names.size()), &named));
-    member.name = nameOf(names[0]);
+    require(owner.GetNames(function.memid, texts.data(), static_cast<UINT>(texts.size()), &named));
+    std::vector<std::u16string> names;
+    for (UINT i = 0; i < named; ++i) names.push_back(nameOf(texts[i]));
+    member.name = names.at(0);
     for (SHORT i = 0; i < function.cParams; ++i) {
         const ELEMDESC& element = function.lprgelemdescParam[i];
         Parameter parameter = describe(owner, element.tdesc);
         parameter.optional = (element.paramdesc.wParamFlags & PARAMFLAG_FOPT) != 0;
         // The value of a property put has no name of its own.
-        if (static_cast<UINT>(i) + 1 < named) parameter.name = nameOf(names[static_cast<std::size_t>(i) + 1]);
+        if (static_cast<UINT>(i) + 1 < named) parameter.name = names[static_cast<std::size_t>(i) + 1];
         if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0)
             member.result = parameter.type;
         else
             member.parameters.push_back(std::move(parameter));
     }
-    if (member.parameters.size() > maximumParameters) throw std::runtime_error("a member has too many parameters");
+    if (member.parameters.size() > mostParameters) throw std::runtime_error("a member has too many parameters");
     return member;
 }
 
@@ -129,7 +132,8 @@ const DispatchInterface& DispatchInterface::of(const IID& interfaceId) {
         if (IsEqualIID(id, interfaceId)) return *description;
     ComReference<ITypeInfo> information;
     require(loadTypeInfo(interfaceId, information));
-    known.emplace_back(interfaceId, new DispatchInterface(*information.get()));
+    std::unique_ptr<DispatchInterface> read(new DispatchInterface(*information.get()));
+    known.emplace_back(interfaceId, std::move(read));
     return *known.back().second;
 }
 
@@ -187,9 +191,9 @@ public:
     }
 
     HRESULT perform(IDispatch* object) {
-        std::array<VARTYPE, maximumParameters + 1> types;
-        std::array<VARIANTARG, maximumParameters + 1> references;
-        std::array<VARIANTARG*, maximumParameters + 1> passed;
+        std::array<VARTYPE, mostParameters + 1> types;
+        std::array<VARIANTARG, mostParameters + 1> references;
+        std::array<VARIANTARG*, mostParameters + 1> passed;
         UINT count = 0;
         const auto passReference = [&](VARTYPE type, void* target) {
             types[count] = static_cast<VARTYPE>(type | VT_BYREF);
@@ -415,18 +419,16 @@ private:
         const HRESULT copied = copyAsVariants(*V_ARRAY(&place.value), V_ARRAY(variants.get()));
         if (FAILED(copied)) return copied;
         V_VT(variants.get()) = arrayOfVariants;
-        if ((V_VT(place.source) & VT_BYREF) == 0) {
-            const HRESULT cleared = VariantClear(place.source);
-            if (SUCCEEDED(cleared)) variants.moveTo(*place.source);
-            return cleared;
-        }
-        SAFEARRAY*& variable = *V_ARRAYREF(place.source);
+        const bool isTyped = (V_VT(place.source) & VT_BYREF) != 0;
+        if (V_VT(place.source) == VT_EMPTY) V_ARRAY(place.source) = nullptr;
+        SAFEARRAY*& variable = isTyped ? *V_ARRAYREF(place.source) : V_ARRAY(place.source);
+        if (variable != nullptr && isFixedSize(*variable)) return DISP_E_ARRAYISLOCKED;
         const HRESULT destroyed = variable == nullptr ? S_OK : SafeArrayDestroy(variable);
-        if (SUCCEEDED(destroyed)) {
-            V_VT(variants.get()) = VT_EMPTY;
-            variable = V_ARRAY(variants.get());
-        }
-        return destroyed;
+        if (FAILED(destroyed)) return destroyed;
+        V_VT(variants.get()) = VT_EMPTY;
+        variable = V_ARRAY(variants.get());
+        if (!isTyped) V_VT(place.source) = arrayOfVariants;
+        return S_OK;
     }
 
     static HRESULT copyAsVariants(SAFEARRAY& strings, SAFEARRAY*& variants) {
@@ -456,7 +458,7 @@ private:
     LCID locale_;
     DISPPARAMS& arguments_;
     std::size_t count_;
-    std::array<Place, maximumParameters> places_;
+    std::array<Place, mostParameters> places_;
     OwnedVariant result_;
 };
 

@@ -32,6 +32,8 @@ public:
 
     HRESULT STDMETHODCALLTYPE Next(ULONG wanted, Item* items, ULONG* fetched) override {
         if (items == nullptr || (fetched == nullptr && wanted != 1)) return E_POINTER;
+        // Copying an item calls the item, and that the host.
+        const ComReference<Interface> alive(this);
         ULONG count = 0;
         try {
             while (count < wanted && source_.item(position_, items[count])) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/com/automation.h"
-#include "host/com/floating_point.h"
+#include "platform/floating_point.h"
 
 /// The wall between the component, where failures are exceptions, and automation, where they are results.
 namespace corvane {

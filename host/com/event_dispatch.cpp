@@ -4,9 +4,9 @@
 #include <bit>
 #include <cstdint>
 
-#include "host/com/floating_point.h"
 #include "host/com/records_com.h"
 #include "platform/automation_error.h"
+#include "platform/floating_point.h"
 
 namespace corvane {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "engine/event.h"
 #include "host/com/automation.h"
-#include "host/com/floating_point.h"
+#include "platform/floating_point.h"
 
 namespace corvane {
 

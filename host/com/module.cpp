@@ -7,4 +7,16 @@ std::atomic<long>& ModuleUse::count() noexcept {
     return uses;
 }
 
+std::atomic<long>& ModuleUse::locks() noexcept {
+    static constinit std::atomic<long> locks{0};
+    return locks;
+}
+
+bool ModuleUse::unlock() noexcept {
+    long present = locks();
+    while (present > 0)
+        if (locks().compare_exchange_weak(present, present - 1)) return true;
+    return false;
+}
+
 }  // namespace corvane

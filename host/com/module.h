@@ -13,14 +13,16 @@ public:
     ~ModuleUse() { --count(); }
 
     /// Whether the module may go.
-    static bool none() noexcept { return count() == 0; }
+    static bool none() noexcept { return count() == 0 && locks() == 0; }
 
     /// A lock that outlives every scope, as class factories hand out.
-    static void lock() noexcept { ++count(); }
-    static void unlock() noexcept { --count(); }
+    static void lock() noexcept { ++locks(); }
+    /// False when there is no lock to undo: a host's slip must not unload the module under living objects.
+    static bool unlock() noexcept;
 
 private:
     static std::atomic<long>& count() noexcept;
+    static std::atomic<long>& locks() noexcept;
 };
 
 }  // namespace corvane

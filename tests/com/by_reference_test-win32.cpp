@@ -314,10 +314,17 @@ TEST_F(ByReference, AnArrayThatTheHostHasLockedOrFixedStays) {
 
     VARIANT variable = holding(VT_VARIANT);
     SAFEARRAY* const held = V_ARRAY(&variable);
-    ASSERT_EQ(SafeArrayLock(held), S_OK);
     SAFEARRAY* typed = held;
-    EXPECT_EQ(getInto(reference(variable), countVariable).result, DISP_E_ARRAYISLOCKED);
-    EXPECT_EQ(getInto(reference(VT_ARRAY | VT_VARIANT, &typed), countVariable).result, DISP_E_ARRAYISLOCKED);
+    const auto refuseVariants = [&] {
+        EXPECT_EQ(getInto(reference(variable), countVariable).result, DISP_E_ARRAYISLOCKED);
+        EXPECT_EQ(getInto(reference(VT_ARRAY | VT_VARIANT, &typed), countVariable).result, DISP_E_ARRAYISLOCKED);
+    };
+    held->fFeatures |= FADF_STATIC;
+    refuseVariants();
+    held->fFeatures &= static_cast<USHORT>(~FADF_STATIC);
+    ASSERT_EQ(SafeArrayLock(held), S_OK);
+    refuseVariants();
+    EXPECT_EQ(V_VT(&variable), VT_ARRAY | VT_VARIANT);
     EXPECT_EQ(V_ARRAY(&variable), held);
     EXPECT_EQ(typed, held);
     ASSERT_EQ(SafeArrayUnlock(held), S_OK);

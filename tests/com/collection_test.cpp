@@ -40,6 +40,17 @@ public:
     VARIANT operator*() { return *get(); }
 };
 
+/// Calls in when its last reference goes.
+class LastCall final : public Sink {
+public:
+    std::function<void()> onEnd;
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = Sink::Release();
+        if (left == 0 && onEnd) std::exchange(onEnd, nullptr)();
+        return left;
+    }
+};
+
 class Collection : public ComponentTest {
 protected:
     ComReference<_clsProgramFunctionList> list = newFunctionList();
@@ -376,16 +387,57 @@ TEST_F(Collection, ObjectsAreHeldOnceAndReleasedOnce) {
     EXPECT_EQ(object.references(), 0);
 }
 
-TEST_F(Collection, AnObjectMayChangeTheCollectionWhileItIsRemoved) {
-    class Last final : public Sink {
-    public:
-        std::function<void()> onEnd;
-        ULONG STDMETHODCALLTYPE Release() override {
-            const ULONG left = Sink::Release();
-            if (left == 0 && onEnd) std::exchange(onEnd, nullptr)();
-            return left;
+TEST_F(Collection, AnObjectMayCallTheCollectionThatGoesWithIt) {
+    for (const bool throughTheList : {false, true}) {
+        LastCall object;
+        auto collection = emptyCollection();
+        _Collection* const going = collection.get();
+        ASSERT_EQ(addText(*going, u"A"), S_OK);
+        {
+            HostVariant item(static_cast<IDispatch&>(object));
+            HostVariant key(u"k");
+            ASSERT_EQ(going->Add(*item, *key, HostVariant::leftOut(), HostVariant::leftOut()), S_OK);
         }
-    } object;
+        ASSERT_EQ(addText(*going, u"B"), S_OK);
+        bool called = false;
+        object.onEnd = [&] {
+            called = true;
+            EXPECT_EQ(countOf(*going), 0);
+            EXPECT_EQ(itemAt(*going, 1), "error 9");
+            EXPECT_EQ(itemAt(*going, u"k"), "error 5");
+            EXPECT_EQ(removeAt(*going, 1), automationError(9));
+            HostVariant key(u"k");
+            EXPECT_EQ(addText(*going, u"C", *key), S_OK);
+        };
+        if (throughTheList) {
+            collection = {};
+            list = newFunctionList();
+        } else {
+            list = newFunctionList();
+            collection = {};
+        }
+        EXPECT_TRUE(called);
+        EXPECT_EQ(object.references(), 0);
+    }
+}
+
+TEST_F(Collection, ALoadFromTheEndOfAnOldListingTakesThePlaceOfTheOneThatEndedIt) {
+    LastCall object;
+    {
+        HostVariant item(static_cast<IDispatch&>(object));
+        ASSERT_EQ(emptyCollection()->Add(*item, HostVariant::leftOut(), HostVariant::leftOut(), HostVariant::leftOut()),
+                  S_OK);
+    }
+    object.onEnd = [&] { EXPECT_EQ(loadList(u"VAR Inner1 = 1\r\nVAR Inner2 = 2\r\nPark()"), VARIANT_TRUE); };
+    EXPECT_EQ(loadList(u"VAR Outer = 1\r\nGoto(Nowhere)"), VARIANT_FALSE);
+    EXPECT_EQ(countOf(*listing().get()), 2);
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    EXPECT_EQ(list->get_ScriptLoaded(&loaded), S_OK);
+    EXPECT_EQ(loaded, VARIANT_TRUE);
+}
+
+TEST_F(Collection, AnObjectMayChangeTheCollectionWhileItIsRemoved) {
+    LastCall object;
     const auto collection = emptyCollection();
     ASSERT_EQ(addText(*collection.get(), u"A"), S_OK);
     {

@@ -273,7 +273,8 @@ TEST_F(Events, CellsAreReadInThePublishedTypeWhateverTagASinkLeaves) {
 
 TEST_F(Events, TrueIsAnyNonZero) {
     for (const EventRow& row : eventTable) {
-        for (const VARIANT_BOOL truth : {-1, 1, 2, 0x1234, 0x0100, 0x7FFF, -0x8000, 0}) {
+        constexpr VARIANT_BOOL truths[] = {-1, 1, 2, 0x1234, 0x0100, 0x7FFF, -0x8000, 0};
+        for (const VARIANT_BOOL truth : truths) {
             Delivery delivery(row);
             delivery.to([&](DISPID, DISPPARAMS& arguments) {
                 for (std::size_t i = 0; i < row.argumentCount; ++i)
@@ -573,10 +574,10 @@ TEST_F(EventsOfScripts, EveryEventHasItsPublishedArguments) {
         "CompactToForce &11.5 &12.5 &13.5 &14.5 &15 &False",
         "CompactToForceEx &11.5 &12 &13.5 &14 &15.5 &16.5 &17.5 &18.5 &19 &False",
         "SCTest &11.5 &12.5 &13 &14.5 &15.5 &16.5 &17 &18.5 &19.5 &20.5 &21 &22 &23.5 &False",
-        "SCTestEx &11.5 &12.5 &13.5 &14.5 &15.5 &16.5 &17 &18.5 &19.5 &20.5 &21.5 &22.5 &\"a\" &\"b\" &\"c\" &\"d\" "
-        "&27.5 &\"f\" &\"g\" &\"h\" &False",
-        "SCTestFull &True &12.5 &13.5 &False &15.5 &16.5 &True &False &19.5 &20.5 &21 &22.5 &True &24.5 &False &True "
-        "&27.5 &\"3,6,9\" &29.5 &30.5 &False &\"a\" &\"b\" &\"c\" &\"d\" &False",
+        ("SCTestEx &11.5 &12.5 &13.5 &14.5 &15.5 &16.5 &17 &18.5 &19.5 &20.5 &21.5 &22.5 &\"a\" &\"b\" &\"c\" &\"d\" "
+         "&27.5 &\"f\" &\"g\" &\"h\" &False"),
+        ("SCTestFull &True &12.5 &13.5 &False &15.5 &16.5 &True &False &19.5 &20.5 &21 &22.5 &True &24.5 &False &True "
+         "&27.5 &\"3,6,9\" &29.5 &30.5 &False &\"a\" &\"b\" &\"c\" &\"d\" &False"),
         "Park &False",
         "ShakeBlade 11 -1 -1 &False",
         "MoveIntoVessel 11.5 &False",
@@ -721,7 +722,8 @@ TEST_F(EventsOfScripts, TheEngineTakesTheAnswerOfTheLastSinkThatWrote) {
     });
     const Advised advised[] = {
         {*control.get(), first}, {*control.get(), second}, {*control.get(), third}, {*control.get(), reader}};
-    ASSERT_TRUE(load(*control.get(), u"VAR N = 1\r\nMathsFunction(\"f\", N, 1, 2, 3, 4)\r\nAddTestVariable(\"n\", N, \"u\")"));
+    ASSERT_TRUE(
+        load(*control.get(), u"VAR N = 1\r\nMathsFunction(\"f\", N, 1, 2, 3, 4)\r\nAddTestVariable(\"n\", N, \"u\")"));
     EXPECT_EQ(run(*control.get()), (RunResult{S_OK, VARIANT_TRUE}));
     EXPECT_EQ(told, "AddTestVariable \"n\" \"14\" \"u\" 0 &True");
 }

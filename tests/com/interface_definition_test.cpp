@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "engine/event_table.h"
 #include "tests/com/publication.h"
 
@@ -35,6 +38,28 @@ TEST(InterfaceDefinition, HasTheEnumerationsOfTheEngine) {
     Publication enumerations = definedPublication();
     std::erase_if(enumerations, [](const auto& entry) { return !entry.first.starts_with("enum "); });
     expectSame(enumerations, enumerationsOf("engine/enumerations.h"));
+}
+
+// Hosts that use the component without registration find classes and interfaces by it.
+TEST(Manifest, NamesEveryClassAndInterface) {
+    std::ifstream file("host/com/CorvaneScript.Automation.manifest.in");
+    ASSERT_TRUE(file);
+    const std::string manifest(std::istreambuf_iterator<char>(file), {});
+    const auto expectIn = [&](const std::string& part) { EXPECT_NE(manifest.find(part), std::string::npos) << part; };
+    for (const auto& [headline, lines] : frozenPublication()) {
+        const std::string kind = headline.substr(0, headline.find(' '));
+        if (kind == "enum" || kind == "library") continue;
+        const std::size_t brace = headline.find('{');
+        const std::string name = headline.substr(kind.size() + 1, brace - kind.size() - 2);
+        const std::string identifier = headline.substr(brace);
+        if (kind == "class") {
+            expectIn("<comClass clsid=\"" + identifier + "\" threadingModel=\"Apartment\"");
+            expectIn("progid=\"prjCorvaneScript." + name + "\"");
+            expectIn("<progid>prjCorvaneScript." + name + ".1</progid>");
+        } else {
+            expectIn("<comInterfaceExternalProxyStub name=\"" + name + "\" iid=\"" + identifier + "\"");
+        }
+    }
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "host/com/clsScriptControl_com.h"
 #include "platform/utf8.h"
+#include "tests/com/editable_items.h"
 #include "tests/com/every_event.h"
 #include "tests/platform/temporary_folder.h"
 
@@ -263,6 +263,12 @@ TEST_F(Objects, ALockKeepsTheModule) {
     EXPECT_EQ(canUnloadNow(), S_FALSE);
     EXPECT_EQ(factoryOf(CLSID_clsProgramFunction)->LockServer(FALSE), S_OK);
     EXPECT_EQ(canUnloadNow(), S_OK);
+}
+
+TEST_F(Objects, AnUnlockWithoutALockIsRefused) {
+    const auto factory = factoryOf(CLSID_clsScriptControl);
+    EXPECT_EQ(factory->LockServer(FALSE), E_UNEXPECTED);
+    EXPECT_EQ(canUnloadNow(), S_FALSE);
 }
 
 TEST_F(Objects, SayWhatTheyAre) {
@@ -580,25 +586,13 @@ protected:
     SAFEARRAY* array = nullptr;
     LONG count = 77;
 
-    void SetUp() override { ASSERT_TRUE(load(*control.get(), u"VAR Count = 3\r\nCONST C = 1\r\nVAR Title = \"Run\"")); }
+    void SetUp() override { ASSERT_TRUE(load(*control.get(), editableScript)); }
     void TearDown() override {
         EXPECT_EQ(SafeArrayDestroy(array), S_OK);
         control = {};
         ComponentTest::TearDown();
     }
 
-    // No script does this: the instrument's own program would, through the same data memory.
-    void makeEditable() {
-        clsDataList& memory = facadeOf(*control.get()).engine().DataMemory();
-        clsData number = memory.Item(1);
-        number.setIsEditable(true);
-        number.setMinVal(-0.5F);
-        number.setMaxVal(1e20F);
-        number.setUnits(u"mm");
-        number.setPromptString(u"How high?");
-        memory.Item(3).setIsEditable(true);
-        memory.setEditableCount(2);
-    }
     std::vector<std::string> row(LONG r) const {
         std::vector<std::string> cells;
         for (LONG c = 0; c < 6; ++c) {
@@ -618,7 +612,7 @@ TEST_F(Editable, WithoutEditableItemsTheArrayIsLeftAlone) {
 }
 
 TEST_F(Editable, EachItemIsARowOfSixTexts) {
-    makeEditable();
+    makeItemsEditable(*control.get());
     EXPECT_EQ(control->GetEditable(&array, &count), S_OK);
     EXPECT_EQ(count, 2);
     ASSERT_NE(array, nullptr);
@@ -637,7 +631,7 @@ TEST_F(Editable, EachItemIsARowOfSixTexts) {
 }
 
 TEST_F(Editable, AnEditIsSeen) {
-    makeEditable();
+    makeItemsEditable(*control.get());
     LONG index = 1;
     float value = 4.5;
     VARIANT_BOOL result = VARIANT_FALSE;
@@ -648,7 +642,7 @@ TEST_F(Editable, AnEditIsSeen) {
 }
 
 TEST_F(Editable, TheHostsOldArrayIsReleased) {
-    makeEditable();
+    makeItemsEditable(*control.get());
     SAFEARRAYBOUND bounds[] = {{3, 1}};
     array = SafeArrayCreate(VT_BSTR, 1, bounds);
     EXPECT_EQ(control->GetEditable(&array, &count), S_OK);
@@ -658,7 +652,7 @@ TEST_F(Editable, TheHostsOldArrayIsReleased) {
 }
 
 TEST_F(Editable, ALockedArrayStays) {
-    makeEditable();
+    makeItemsEditable(*control.get());
     SAFEARRAYBOUND bounds[] = {{3, 1}};
     SAFEARRAY* const before = array = SafeArrayCreate(VT_BSTR, 1, bounds);
     ASSERT_EQ(SafeArrayLock(array), S_OK);

@@ -9,8 +9,7 @@ namespace {
 
 class Sinks : public ComponentTest {
 protected:
-    Sink sink;
-    Sink sinks[4];
+    Sink sinks[4];  // outlive the control, as it may hold them to its end
     ComReference<_clsScriptControl> control = newControl();
     ComReference<IConnectionPoint> point = connectionPointOf(*control.get());
 
@@ -213,7 +212,7 @@ TEST_F(Sinks, AnEnumerationSkipsStartsAnewAndIsCopied) {
 }
 
 TEST_F(Sinks, AnEnumerationRefusesNullPointers) {
-    advise(sink);
+    advise(sinks[0]);
     const auto enumerator = connections();
     CONNECTDATA listed[2]{};
     ULONG count = 0;

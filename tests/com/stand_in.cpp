@@ -285,6 +285,8 @@ HRESULT WINAPI VariantChangeType(VARIANTARG* target, const VARIANTARG* source, U
     }
 }
 
+}  // extern "C"
+
 // ------------------------------------------------------------------------------------------------- error information
 
 namespace {
@@ -361,6 +363,8 @@ corvane::ComReference<IErrorInfo>& threadsError() {
 }
 
 }  // namespace
+
+extern "C" {
 
 HRESULT WINAPI CreateErrorInfo(ICreateErrorInfo** information) {
     *information = corvane::ComReference<ICreateErrorInfo>(new ErrorInformation).detach();

@@ -26,7 +26,7 @@ from catalogue import EVENTS, display_name
 from input_box import UNLIMITED, number_answer, text_answer
 from interpreter import DATA_SET_FIELDS, Control, Engine
 from listing import FunctionList
-from values import LOCALES, AutomationError, Value, as_text, double_bits, single_bits, single_from_bits
+from values import LOCALES, AutomationError, Value, double_bits, single_bits, single_from_bits
 
 YES, NO = 6, 7
 OWN_CAPTION = ""

@@ -19,6 +19,8 @@ from concurrent.futures import ProcessPoolExecutor
 from itertools import zip_longest
 from pathlib import Path
 
+sys.dont_write_bytecode = True  # the tree stays as it is
+
 from cases import Case, play, read_cases
 from generator import make_case
 from minimiser import minimised
@@ -35,7 +37,9 @@ def host_logs(host: list[str], cases: list[Case], seconds: int, meanwhile=None) 
             given.write("\n".join(case.lines()) + "\n")
         given.flush()
         given.seek(0)
-        process = subprocess.Popen(host, stdin=given, stdout=logged, stderr=subprocess.PIPE, text=True, errors="replace")
+        process = subprocess.Popen(
+            host, stdin=given, stdout=logged, stderr=subprocess.PIPE, text=True, errors="replace"
+        )
         if meanwhile:
             meanwhile()
         try:
@@ -98,20 +102,27 @@ class Progress:
         if self.path:
             self.path.write_text(f"{number}\n")
 
+    def ended(self) -> None:
+        if self.path:
+            self.path.unlink(missing_ok=True)
+
 
 def compare_random(comparison: Comparison, options: argparse.Namespace) -> list[Case]:
     progress = Progress(options.resume, options.first)
     last = options.first + options.count
     batches = [(at, min(CASES_OF_A_BATCH, last - at)) for at in range(progress.next, last, CASES_OF_A_BATCH)]
     different: list[Case] = []
+    if not batches:
+        return different
     with ProcessPoolExecutor(options.workers) as pool:
         results = pool.map(comparison.batch, *zip(*[(options.seed, at, count) for at, count in batches]))
         for (at, count), found in zip(batches, results):
             different += found
             if different:
                 pool.shutdown(cancel_futures=True)
-                break
+                return different
             progress.reached(at + count)
+    progress.ended()
     return different
 
 
@@ -120,19 +131,23 @@ def main() -> int:
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--first", type=int, default=0, help="number of the first case")
     parser.add_argument("--count", type=int, default=10000)
-    parser.add_argument("--long", type=int, metavar="COUNT", help="count where CORVANE_LONG is set")
+    parser.add_argument("--long", type=int, metavar="COUNT", help="the count where CORVANE_LONG is set")
     parser.add_argument("--workers", type=int, default=2)
     parser.add_argument("--seconds", type=int, default=120, help="longest time of a batch")
     parser.add_argument("--plain", choices=LOCALES, help="only what an automation host with this locale can see and do")
-    parser.add_argument("--resume", metavar="FILE", help="keep the progress in FILE and go on from there")
+    parser.add_argument(
+        "--resume", metavar="FILE", help="keep the progress of a long comparison in FILE and go on from there"
+    )
     parser.add_argument("--cases", metavar="FILE", action="append", default=[], help="compare these cases first")
     parser.add_argument("--quick", action="store_true", help="show the differing cases as they are")
     parser.add_argument("host", nargs=argparse.REMAINDER)
     options = parser.parse_args()
     if not options.host:
         parser.error("which host?")
-    if options.long and os.environ.get("CORVANE_LONG"):
-        options.count = options.long
+    if options.long:
+        is_long = bool(os.environ.get("CORVANE_LONG"))
+        options.count = options.long if is_long else options.count
+        options.resume = options.resume if is_long else None
 
     start = time.monotonic()
     comparison = Comparison(options.host, options.plain, options.seconds)
@@ -143,7 +158,8 @@ def main() -> int:
     for case in different[:SHOWN]:
         print(("\n".join(case.lines()) if options.quick else comparison.shown(case)) + "\n")
     outcome = f"{len(different)} differ" if different else "no difference"
-    print(f"{options.count} cases of seed {options.seed}, {len(kept)} kept: {outcome}, {time.monotonic() - start:.1f} s")
+    seconds = time.monotonic() - start
+    print(f"{options.count} cases of seed {options.seed}, {len(kept)} kept: {outcome}, {seconds:.1f} s")
     return 1 if different else 0
 
 

@@ -16,18 +16,27 @@ ODD_NUMBERS = [
     "16777217", "123456.789", "1234567", "12345678", "2147483647", "2147483648", "-2147483648", "32767", "32768",
     "3.402823E+38", "0.30000001", "-0", "0.0", "99999.995", "1e6", "1e7", "-1.5", "3.5", "&H1F", "&o17", "1E5",
 ]  # fmt: skip
-RARE_NUMBERS = ["1E39", "1E-40", "1E400", "1e", "1.2.3", "--1", "1-2", "+", "-", ".", "$5", "1 5", "5e+-3", "&HG", "1E-46"]
-DECLARED_NUMBERS = ["1,5", "1.000,5", "1,000.5", "1,234", "1.234", "(5)", "( 7 )", "-(5)", ",5", "5,", ",", "-,5", "5,-", ",-5",
-                    "1,2,3", "\u20ac5", "$1,5", "5 -", "- 5", "+-5", "1,5-", "0,1E2"]  # fmt: skip
-WORDS = ["", " ", "    ", "ready", "Ready?", "a, b", "x)y", "(z", "one|two", "|", "5", "1.5", "1,5", "-3", "abc", "True", "false",
-         "mm/s", "kPa", "\u00e9t\u00e9", "a=b", "k;l", "end:", "0", "64", "2E2", "&H10", "1E39", " 7 ", "\u4e2d", "10", "9",
-         "B", "a"]  # fmt: skip
+RARE_NUMBERS = [
+    "1E39", "1E-40", "1E400", "1e", "1.2.3", "--1", "1-2", "+", "-", ".", "$5", "1 5", "5e+-3", "&HG", "1E-46",
+]  # fmt: skip
+DECLARED_NUMBERS = [
+    "1,5", "1.000,5", "1,000.5", "1,234", "1.234", "(5)", "( 7 )", "-(5)", ",5", "5,", ",", "-,5", "5,-", ",-5",
+    "1,2,3", "\u20ac5", "$1,5", "5 -", "- 5", "+-5", "1,5-", "0,1E2",
+]  # fmt: skip
+WORDS = [
+    "", " ", "    ", "ready", "Ready?", "a, b", "x)y", "(z", "one|two", "|", "5", "1.5", "1,5", "-3", "abc", "True",
+    "false", "mm/s", "kPa", "\u00e9t\u00e9", "a=b", "k;l", "end:", "0", "64", "2E2", "&H10", "1E39", " 7 ",
+    "\u4e2d", "10", "9", "B", "a",
+]  # fmt: skip
 EDITS = [0.0, 1.0, 2.0, -1.0, 0.5, 2.5, 3.0, 7.0, 100.0, -3.5, 1e10, 2147483520.0, -2147483648.0, 1e-3, 16777216.0]
 RARE_EDITS = [float("inf"), float("-inf"), float("nan"), 3.4028234663852886e38, 1e-45]
 FLAGS = ["-", "-", "-", "l", "l", "t", "tl", "tpl", "d", "dl", "u", "du"]
 PLAIN_FLAGS = ["uc"]
 LINE_ENDS = ["\r\n", "\r\n", "\n", "\r", "\n\r"]
-TYPED = ["", "5", "2.5", "1,5", "-7", "abc", "1E39", "-1E39", "1E-40", "0", "a much longer text than that", "|", "99999999"]
+TYPED = [
+    "", "5", "2.5", "1,5", "-7", "abc", "1E39", "-1E39", "1E-40", "0", "a much longer text than that", "|",
+    "99999999",
+]  # fmt: skip
 
 FLOW = [4, 5, 6, 7, 8, 9, 10, 11]
 VALUES = [12, 13, 14, 15, 16]
@@ -114,8 +123,10 @@ class ScriptMaker:
             self.skip()
         elif what < 0.74:
             self.loop()
-        elif what < 0.8:
+        elif what < 0.78:
             self.lines.append(self.statement(rng.choice(self.theme.flow)))
+        elif what < 0.8:
+            self.texts_as_numbers()
         elif what < 0.88 and subroutines:
             self.lines.append(self.statement_text(5, [rng.choice(subroutines)]))
         elif what < 0.94:
@@ -150,6 +161,19 @@ class ScriptMaker:
         parameters = [self.parameter(letter) for letter in KEYWORDS[kind][1][:-1]] + [label]
         self.lines.append(self.statement_text(kind, parameters))
         self.lines.append(self.statement(self.rng.choice(VALUES + HOST)))
+        self.lines.append(label + ":")
+
+    def texts_as_numbers(self) -> None:
+        """Number variables that hold texts: compared, and then used as numbers."""
+        rng = self.rng
+        names = [self.new_name("held"), self.new_name("held")]
+        self.numbers += names
+        self.lines += [f"VAR {name}" for name in names]
+        for name in names:
+            self.lines.append(self.statement_text(12, [name, rng.choice([self.quoted, self.quoted, self.number])()]))
+        label = self.new_name("Held")
+        self.lines.append(self.statement_text(rng.choice([8, 9, 10, 11]), [*names, label]))
+        self.lines.append(self.statement(rng.choice(HOST)))
         self.lines.append(label + ":")
 
     def new_name(self, stem: str) -> str:
@@ -235,6 +259,8 @@ class ScriptMaker:
                 self.labels.append(self.new_name("Later"))
                 self.lines.append(self.labels[-1] + ":")
             return self.cased(rng.choice(self.labels))
+        if rng.random() < 0.05:
+            return "FINISH_LOOP_FLAG"
         return rng.choice([self.number, self.number, self.quoted, self.any_name])()
 
     def a_name(self, known: list[str], declaration: str) -> str:
@@ -274,12 +300,13 @@ class ScriptMaker:
 
 STRANGE = list('"(),;:=|.\t -+&$') + ["VAR ", "CONST ", "ENV ", "\u00a0", "\n", '""', "x", "5"]
 WHOLE_LINES = [
-    "var Count = 0", "VAR\tTab = 1", "CONST Empty", "CONST Empty =", "()", "(5)", "Unknown(1)", "Goto", "Goto()", "Goto(,)",
-    "Return(5)", "Goto(Nowhere)", "Info(a, b)", "<unknown>", "<unknown>()", "Twice:", "Twice:\nTwice:", ":", "Space :",
-    "VAR", "ENV ", "VAR X = 5:", "AddTestVariable(1,2,3,4)", "AddTestVariable(1,2,3)", "Goto(+.)\n+:", "Goto(.)", "Goto(5)",
-    "SCTestFull(" + ",".join("1" * 26) + ")", "Set(Count, )", "IfEqual(1, \"a\", End2)", "VAR = 5", "ENV = x", "Park() x",
-    "EndTest)", "VAR a\"=\" = 5", "Info(\"a\"\"b\")", "Info(\"open)", "Park;", "Goto(End1,)", "VAR Twin = 1\nVAR TWIN = \"b\"",
-    "Info (\"x\") (\"y\")", "TextCommand(\"c\",FINISH_LOOP_FLAG,finish_loop_flag,,,,)", "Increment(,)", "MsgInfo()",
+    "var Count = 0", "VAR\tTab = 1", "CONST Empty", "CONST Empty =", "()", "(5)", "Unknown(1)", "Goto", "Goto()",
+    "Goto(,)", "Return(5)", "Goto(Nowhere)", "Info(a, b)", "<unknown>", "<unknown>()", "Twice:", "Twice:\nTwice:",
+    ":", "Space :", "VAR", "ENV ", "VAR X = 5:", "AddTestVariable(1,2,3,4)", "AddTestVariable(1,2,3)",
+    "Goto(+.)\n+:", "Goto(.)", "Goto(5)", "SCTestFull(" + ",".join("1" * 26) + ")", "Set(Count, )",
+    'IfEqual(1, "a", End2)', "VAR = 5", "ENV = x", "Park() x", "EndTest)", 'VAR a"=" = 5', 'Info("a""b")',
+    'Info("open)', "Park;", "Goto(End1,)", 'VAR Twin = 1\nVAR TWIN = "b"', 'Info ("x") ("y")',
+    'TextCommand("c",FINISH_LOOP_FLAG,finish_loop_flag,,,,)', "Increment(,)", "MsgInfo()",
 ]  # fmt: skip
 
 
@@ -348,7 +375,8 @@ class CaseMaker:
         rng = self.rng
         maker = ScriptMaker(rng, self.theme)
         script = maker.make(length)
-        self.names += maker.numbers + maker.texts + maker.constants + maker.text_constants + maker.environment + maker.labels
+        self.names += maker.numbers + maker.texts + maker.constants + maker.text_constants
+        self.names += maker.environment + maker.labels
         for kind in sorted(maker.used_kinds):
             self.events += events_of(kind)
         self.events += ["VariableAdded", "ConstantAdded", "EnvironmentVariableAdded"]
@@ -358,7 +386,8 @@ class CaseMaker:
 
     def load(self, script: str) -> list[str]:
         rng = self.rng
-        return ["load", written(script), written(rng.choice(["", "name", "a b"])), str(rng.randint(-1, 2)), str(rng.randint(-2, 9))]
+        name = written(rng.choice(["", "name", "a b"]))
+        return ["load", written(script), name, str(rng.randint(-1, 2)), str(rng.randint(-2, 9))]
 
     def call(self) -> list[str]:
         rng = self.rng
@@ -378,13 +407,16 @@ class CaseMaker:
         nth = rng.choice([0, 1, 1, 1, 2, 2, 3, 5])
         if rng.random() < 0.25 and any(argument.name == "tDLLExecute" for argument in EVENTS.get(event, [])):
             self.case.rules.append((event, nth, ["answer", "tDLLExecute", "b:0"]))
+        if event == "GetDataSet" and rng.random() < 0.5:
+            self.case.rules += [(event, nth, self.result()), (event, nth, ["answer", "tSucess", "b:0"])]
         for _ in range(rng.choice([1, 1, 2])):
             self.case.rules.append((event, nth, self.deed(event)))
 
     def deed(self, event: str) -> list[str]:
         rng = self.rng
         what = rng.random()
-        arguments = [argument for argument in EVENTS.get(event, []) if argument.by_reference and argument.name != "tType"]
+        published = EVENTS.get(event, [])
+        arguments = [argument for argument in published if argument.by_reference and argument.name != "tType"]
         if event == "KeepGoing" and what < 0.65:
             return ["answer", "tSucess", "b:0"]  # never true, which would lift the limit
         if arguments and what < 0.3:
@@ -393,12 +425,16 @@ class CaseMaker:
             argument = rng.choice(arguments)
             return ["answer", argument.name, self.content(argument.type)]
         if event == "GetDataSet" and what < 0.8:
-            return ["result", *rng.choice([("TestResult", "i4:1"), ("Direction", "i4:-7"), ("Force", "r4:40490fdb")])]
+            return self.result()
         if what < 0.85:
             return self.call()
         if what < 0.93:
             return self.load(self.script(rng.choice([0, 2, 5])))
         return ["run"]
+
+    def result(self) -> list[str]:
+        fields = [("TestResult", "i4:1"), ("Direction", "i4:-7"), ("Force", "r4:40490fdb")]
+        return ["result", *self.rng.choice(fields)]
 
     def content(self, argument_type: str) -> str:
         rng = self.rng

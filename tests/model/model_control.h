@@ -19,12 +19,12 @@ struct CallFailed {
 
 /// What a case asks of the surroundings of its control.
 struct CaseSettings {
-    bool comma = false;        ///< numbers are written with a comma
-    bool designed = false;     ///< the finish-loop test reads the engine's own flag
-    bool traced = false;       ///< trace lines are logged
+    bool comma = false;     ///< numbers are written with a comma
+    bool designed = false;  ///< the finish-loop test reads the engine's own flag
+    bool traced = false;    ///< trace lines are logged
     bool traceParameters = false;
-    bool listened = false;     ///< the engine's notices are logged
-    bool unattended = false;   ///< nobody answers dialogs
+    bool listened = false;    ///< the engine's notices are logged
+    bool unattended = false;  ///< nobody answers dialogs
 };
 
 /// How a control that is played with reaches the case.

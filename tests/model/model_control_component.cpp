@@ -87,7 +87,7 @@ public:
         for (std::int32_t i = 0; i < times; ++i) {
             ComReference<_Collection> listing;
             const HRESULT created = functions->CreateFunctionList(listing.receive(), &result);
-            operator_.log(FAILED(created)           ? "! " + std::to_string(errorNumberOf(created))
+            operator_.log(FAILED(created)          ? "! " + std::to_string(errorNumberOf(created))
                           : result == VARIANT_TRUE ? "= b:1"
                                                    : "= b:0");
         }

@@ -61,9 +61,7 @@ public:
         control_.GetEditable(table, count);
         return count;
     }
-    std::u16string kindName(std::int32_t kind) override {
-        return std::u16string(control_.FunctionNameFromType(kind));
-    }
+    std::u16string kindName(std::int32_t kind) override { return std::u16string(control_.FunctionNameFromType(kind)); }
 
     void logMemory() override {
         clsDataList& memory = control_.engine().DataMemory();

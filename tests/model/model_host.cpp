@@ -17,7 +17,8 @@ namespace {
 
 std::string hexadecimal(std::uint64_t number, int digits) {
     std::string text(static_cast<std::size_t>(digits), '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number >>= 4) *digit = "0123456789abcdef"[number & 15];
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number >>= 4)
+        *digit = "0123456789abcdef"[number & 15];
     return text;
 }
 
@@ -200,8 +201,8 @@ private:
         const std::string& name = action[0];
         const auto truth = [](bool result) { return result ? "= b:1" : "= b:0"; };
         if (name == "load")
-            return truth(control_->load(readText(action[1]), readText(action[2]), readNumber(action[3]),
-                                        readNumber(action[4])));
+            return truth(
+                control_->load(readText(action[1]), readText(action[2]), readNumber(action[3]), readNumber(action[4])));
         if (name == "run") return truth(control_->run());
         if (name == "flag") {
             control_->finishLoopFlag();

@@ -42,7 +42,7 @@ protected:
         constexpr WORD kinds[] = {DISPATCH_METHOD, DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT,
                                   DISPATCH_PROPERTYPUT};
         constexpr UINT counts[] = {0, 1, 0, 2, 1};
-        if (kind != kinds[member]) return DISP_E_MEMBERNOTFOUND;
+        if ((kind & kinds[member]) == 0) return DISP_E_MEMBERNOTFOUND;
         if (arguments.count() != counts[member]) return DISP_E_BADPARAMCOUNT;
         switch (member) {
             case Clear: SendMessageW(box_, CB_RESETCONTENT, 0, 0); return S_OK;

@@ -11,6 +11,7 @@
 #include "platform/message_pump.h"
 #include "platform/utf8.h"
 #include "platform/value_rules.h"
+#include "tests/com/component.h"
 #include "ui/frmCDInputBox.h"
 #include "ui/windows_dialogs.h"
 
@@ -19,6 +20,7 @@
 //   dialog_tool ask whole|single|string INITIAL MINIMUM MAXIMUM ALLOWZERO QUESTION TITLE
 //   dialog_tool message TEXT CAPTION STYLE
 //   dialog_tool load SCRIPT             a script's text; its faults are shown
+//   dialog_tool component SCRIPT        a script's text, run by the component for a host that leaves all dialogs to it
 //   dialog_tool watch                   for each line of input, the open dialogs of all programs as one line of JSON
 
 namespace corvane {
@@ -125,12 +127,34 @@ int load(const std::vector<std::u16string>& arguments) {
     return 0;
 }
 
+// Informations are told, so that a script can show what it was given.
+HRESULT answerEvent(DISPID event, DISPPARAMS& arguments) {
+    constexpr DISPID info = 5;
+    if (event == info)
+        std::cout << Json{{"info", toUtf8(viewOf(*V_BSTRREF(&arguments.rgvarg[1])))}}.dump() << std::endl;
+    testing::Sink::succeed(event, arguments);
+    return S_OK;
+}
+
+int runByComponent(const std::vector<std::u16string>& arguments) {
+    openHostWindow();
+    testing::Sink sink(answerEvent);
+    const ComReference<_clsScriptControl> control = testing::newControl();
+    const testing::Advised advised(*control.get(), sink);
+    const bool loaded = testing::load(*control.get(), arguments.at(0));
+    VARIANT_BOOL ran = VARIANT_FALSE;
+    const HRESULT result = loaded ? control->RunScript(&ran) : S_OK;
+    std::cout << Json{{"loaded", loaded}, {"result", result}, {"ran", ran != VARIANT_FALSE}}.dump() << std::endl;
+    return 0;
+}
+
 int run(const std::vector<std::string>& arguments) {
     std::vector<std::u16string> rest;
     for (std::size_t i = 1; i < arguments.size(); ++i) rest.push_back(fromUtf8(arguments[i]));
     if (arguments.at(0) == "ask") return ask(rest);
     if (arguments.at(0) == "message") return showMessage(rest);
     if (arguments.at(0) == "load") return load(rest);
+    if (arguments.at(0) == "component") return runByComponent(rest);
     return watch();
 }
 

@@ -9,6 +9,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 from pathlib import Path
@@ -24,6 +25,7 @@ unittest_arguments = arguments[split + 1 :]
 
 NUMBER = "InputNumber(\"How much?\", N, {minimum}, {maximum})"
 DARK_BLUE = (0, 0, 0x80)
+KEYS_SCRIPT = "VAR N = 0\n" + NUMBER.format(minimum=-999, maximum=999)
 KEYS = {"-": "minus", ",": "comma", ".": "period", " ": "space", "+": "plus", "/": "slash", "%": "percent"}
 CLEAR = ("End", "shift+Home", "Delete")
 
@@ -82,8 +84,14 @@ class Dialogs(unittest.TestCase):
         """The box, once its entry holds a text."""
         return self.watcher.dialog(lambda dialog: dialog.entry == expected)
 
-    def check_keys(self, rows, *options, **environment):
-        process = self.run_script("VAR N = 0\n" + NUMBER.format(minimum=-999, maximum=999), *options, **environment)
+    def expect(self, title, text, buttons, has_icon, key):
+        """The message box with a text, which a key closes."""
+        box = self.watcher.dialog(lambda dialog: text in dialog.texts)
+        self.assertEqual((box.title, box.buttons, box.has_icon), (title, buttons, has_icon))
+        press(key)
+
+    def check_keys(self, rows, process):
+        """Types into the box that a KEYS_SCRIPT opens."""
         self.watcher.dialog()
         for keys, expected in rows:
             with self.subTest(keys=keys):
@@ -118,30 +126,33 @@ class NumberBox(Dialogs):
         (typed("12") + ["ctrl+a", "ctrl+c", "End", "ctrl+v"], "12"),
         (typed("1") + ["Eacute"] + typed("2"), "12"),
     ]
+    POINT_ROWS = ROWS + [
+        (typed("1.5"), "1.5"),
+        (typed("1.5.5"), "1.55"),
+        (typed("."), "."),
+        (typed("1,5"), "15"),
+        (typed("1n5"), "1n5"),
+        (typed("1.5n5"), "1.55"),
+        (typed("1n5.5"), "1n5.5"),
+    ]
+    COMMA_ROWS = ROWS + [
+        (typed("1,5"), "1,5"),
+        (typed("1,5,5"), "1,55"),
+        (typed(","), ","),
+        (typed("1.5"), "15"),
+        (typed("1n5"), "15"),
+    ]
 
     def test_takes_the_keys_of_a_number_with_a_decimal_point(self):
-        self.check_keys(self.ROWS + [
-            (typed("1.5"), "1.5"),
-            (typed("1.5.5"), "1.55"),
-            (typed("."), "."),
-            (typed("1,5"), "15"),
-            (typed("1n5"), "1n5"),
-            (typed("1.5n5"), "1.55"),
-            (typed("1n5.5"), "1n5.5"),
-        ])
+        self.check_keys(self.POINT_ROWS, self.run_script(KEYS_SCRIPT))
 
     def test_takes_the_keys_of_a_number_with_a_decimal_comma(self):
-        self.check_keys(self.ROWS + [
-            (typed("1,5"), "1,5"),
-            (typed("1,5,5"), "1,55"),
-            (typed(","), ","),
-            (typed("1.5"), "15"),
-            (typed("1n5"), "15"),
-        ], "--decimal-mark", "comma")
+        self.check_keys(self.COMMA_ROWS, self.run_script(KEYS_SCRIPT, "--decimal-mark", "comma"))
 
     def test_follows_the_users_settings(self):
-        self.check_keys([(typed("1,5"), "1,5"), (typed("1.5"), "15")], LC_ALL="de_DE.UTF-8")
-        self.check_keys([(typed("1,5"), "15"), (typed("1.5"), "1.5")], LC_ALL="C.UTF-8")
+        self.check_keys([(typed("1,5"), "1,5"), (typed("1.5"), "15")],
+                        self.run_script(KEYS_SCRIPT, LC_ALL="de_DE.UTF-8"))
+        self.check_keys([(typed("1,5"), "15"), (typed("1.5"), "1.5")], self.run_script(KEYS_SCRIPT, LC_ALL="C.UTF-8"))
 
     def test_shows_the_corrected_value_and_the_reason(self):
         rows = [
@@ -263,10 +274,19 @@ class Cancel(Dialogs):
 
 
 class MessageBoxes(Dialogs):
-    def expect(self, title, text, buttons, has_icon, key):
-        box = self.watcher.dialog(lambda dialog: text in dialog.texts)
-        self.assertEqual((box.title, box.buttons, box.has_icon), (title, buttons, has_icon))
-        press(key)
+    # Style words of an extended message, its buttons and whether it has an icon.
+    EXTENDED = [
+        (0, ["OK"], False),
+        (16, ["OK"], True),
+        (33, ["OK", "Cancel"], True),
+        (50, ["Abort", "Retry", "Ignore"], True),
+        (67, ["Yes", "No", "Cancel"], True),
+        (4, ["Yes", "No"], False),
+        (5, ["Retry", "Cancel"], False),
+        (6, ["Cancel", "Try Again", "Continue"], False),
+        (7, ["OK"], False),
+        (999, ["OK"], False),
+    ]
 
     def test_question_jumps_on_yes_only(self):
         script = 'MsgAsk("Again?|Really?", There)\nInfo("not jumped")\nThere:\nInfo("there")\n'
@@ -285,11 +305,7 @@ class MessageBoxes(Dialogs):
         self.assertEqual(self.dialogs_of(process), [("message", "two\r\nlines", "ok", None)])
 
     def test_extended_message_takes_its_style_from_the_sound_number(self):
-        rows = [(0, ["OK"], False), (16, ["OK"], True), (33, ["OK", "Cancel"], True),
-                (50, ["Abort", "Retry", "Ignore"], True), (67, ["Yes", "No", "Cancel"], True),
-                (4, ["Yes", "No"], False), (5, ["Retry", "Cancel"], False), (6, ["Cancel", "Try Again", "Continue"], False),
-                (7, ["OK"], False), (999, ["OK"], False)]
-        for style, buttons, has_icon in rows:
+        for style, buttons, has_icon in self.EXTENDED:
             with self.subTest(style=style):
                 process = self.run_script(f'MsgInfoEx("Weigh now", "{style}")\nInfo("goes on")\n')
                 self.expect("64", "Weigh now", buttons, has_icon, "Return")
@@ -310,16 +326,110 @@ class MessageBoxes(Dialogs):
                 self.assertEqual(output.strip(), answer)
 
 
+class ThroughTheComponent(Dialogs):
+    """The same windows, opened by the component for an automation host that leaves its dialogs to it."""
+
+    ENDED = {"loaded": True, "result": 0, "ran": True}
+
+    def run_by_component(self, script, locale="C.UTF-8"):
+        return self.start(tool, "component", script, LC_ALL=locale)
+
+    def ended_with(self, process, *infos):
+        self.assertEqual(self.end(process), [*({"info": each} for each in infos), self.ENDED])
+
+    def test_a_number_is_corrected_and_stored(self):
+        process = self.run_by_component('VAR N = 2.5\nVAR S = "is "\n' + NUMBER.format(minimum=1, maximum=10) +
+                                        "\nConCatString(S, S, N)\nInfo(S)")
+        box = self.watcher.dialog()
+        self.assertEqual((box.title, box["lblQuestion"], box.entry), ("Enter Number", "How much?", "2.5"))
+        press("4", "2")
+        box = self.entry("42")
+        self.assertEqual((box["lblReturnValue"], box["lblReason"]), ("10", "(Too large)"))
+        press("Return")
+        self.ended_with(process, "is 10")
+
+    def test_the_box_of_a_number_takes_the_keys_of_the_users_numbers(self):
+        self.check_keys(NumberBox.POINT_ROWS, self.run_by_component(KEYS_SCRIPT))
+        self.check_keys(NumberBox.COMMA_ROWS, self.run_by_component(KEYS_SCRIPT, "de_DE.UTF-8"))
+
+    def test_a_text_is_stored_up_to_its_greatest_length(self):
+        for maximum, keys, text, range_text in (
+                (8, "batch-,. n", "batch-,.", "(Maximum String Lenght: 8)"),
+                (0, "0123456789" * 3, "0123456789" * 3, "(String of any length)")):
+            with self.subTest(maximum=maximum):
+                process = self.run_by_component(StringBox.SCRIPT.format(maximum))
+                self.assertEqual(self.watcher.dialog()["lblRange"], range_text)
+                press(*typed(keys))
+                self.assertEqual(self.entry(text)["lblReturnValue"], text)
+                press("Return")
+                self.ended_with(process, text)
+
+    def test_cancel_asks_again_or_ends_the_run(self):
+        process = self.run_by_component(StringBox.SCRIPT.format(8))
+        for key in ("n", "y"):
+            self.watcher.dialog(lambda dialog: dialog.title == "Enter String")
+            press("Escape")
+            self.watcher.dialog(lambda dialog: Cancel.QUESTION in dialog.texts)
+            press(key)
+        self.ended_with(process)
+
+    def test_a_question_leads_to_its_label_on_yes_only(self):
+        script = 'MsgAsk("Again?", There)\nInfo("not jumped")\nThere:\nInfo("there")\n'
+        for key, infos in (("y", ["there"]), ("n", ["not jumped", "there"])):
+            with self.subTest(key=key):
+                process = self.run_by_component(script)
+                self.expect("Corvane", "Again?", ["Yes", "No"], True, key)
+                self.ended_with(process, *infos)
+
+    def test_messages_wait_to_be_read(self):
+        script = 'MsgInfo("one")\n'
+        script += "".join(f'MsgInfoEx("style {style}", "{style}")\n' for style, _, _ in MessageBoxes.EXTENDED)
+        process = self.run_by_component(script + 'Info("read")\n')
+        self.expect("Corvane", "one", ["OK"], True, "Return")
+        for style, buttons, has_icon in MessageBoxes.EXTENDED:
+            self.expect("64", f"style {style}", buttons, has_icon, "Return")
+        self.ended_with(process, "read")
+
+    def test_a_rejected_script_is_shown(self):
+        process = self.run_by_component("Goto(Nowhere)")
+        self.expect("Syntax Error on Line 1", "Undefined Label: Nowhere", ["OK"], True, "Return")
+        self.assertEqual(self.end(process), [{"loaded": False, "result": 0, "ran": False}])
+
+
 class WithoutDesktop(unittest.TestCase):
+    def environment(self):
+        """Of programs that no display is there for."""
+        environment = {key: value for key, value in os.environ.items() if key not in ("CORVANE_DISPLAY", "DISPLAY")}
+        # The first start of a prefix takes its time.
+        subprocess.run([*emulator, tool, "load", ";"], env=environment, stdout=subprocess.DEVNULL, check=True)
+        return environment
+
+    def test_the_component_answers_each_dialog_within_a_second(self):
+        script = ('VAR N = 5\nInfo("start")\nMsgInfo("read")\nInfo("MsgInfo")\nMsgInfoEx("read", "36")\n'
+                  'Info("MsgInfoEx")\nMsgAsk("Jump?", There)\nInfo("MsgAsk")\nThere:\n' +
+                  NUMBER.format(minimum=1, maximum=10) + "\nPark()\n")
+        for run, last in ((script, {"loaded": True, "result": 0, "ran": True}),
+                          ("Goto(Nowhere)", {"loaded": False, "result": 0, "ran": False})):
+            process = subprocess.Popen([*emulator, tool, "component", run], env=self.environment(),
+                                       stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+            # Without an answer it would be read for ever.
+            limit = threading.Timer(20, process.kill)
+            limit.start()
+            told = [(time.monotonic(), json.loads(line)) for line in process.stdout]
+            process.communicate()
+            limit.cancel()
+            infos = ["start", "MsgInfo", "MsgInfoEx", "MsgAsk"] if last["loaded"] else []
+            self.assertEqual([each for _, each in told], [*({"info": each} for each in infos), last])
+            for (before, _), (after, dialog) in zip(told, told[1:]):
+                self.assertLess(after - before, 1, dialog)
+
     def test_answers_everything_at_once(self):
         script = ('VAR N = 5\nMsgInfo("read")\nMsgInfoEx("read", "36")\nMsgAsk("Jump?", There)\nInfo("not jumped")\n'
                   "There:\n" + NUMBER.format(minimum=1, maximum=10) + "\nPark()\n")
-        environment = {key: value for key, value in os.environ.items() if key not in ("CORVANE_DISPLAY", "DISPLAY")}
+        environment = self.environment()
         with tempfile.NamedTemporaryFile("w", suffix=".script") as file:
             file.write(script)
             file.flush()
-            # The first start of a prefix takes its time.
-            subprocess.run([*emulator, tool, "load", ";"], env=environment, stdout=subprocess.DEVNULL, check=True)
             start = time.monotonic()
             run = subprocess.run([*emulator, corvane, "run", file.name, "--windows", "--log", "jsonl"], env=environment,
                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=20)

@@ -2,6 +2,7 @@
 
 #include "ui/frmCDInputBox.h"
 // After windows.h, which it needs.
+#include <commctrl.h>
 #include <gmock/gmock.h>
 #include <oleauto.h>
 
@@ -9,6 +10,7 @@
 #include <thread>
 
 #include "platform/desktop-win32.h"
+#include "platform/floating_point.h"
 #include "platform/value_rules.h"
 #include "tests/platform/open_dialog-win32.h"
 #include "ui/input_rules.h"
@@ -18,6 +20,9 @@ namespace {
 
 using Form = frmCDInputBox;
 using Ending = InputAnswer::Ending;
+
+// The bits in which the processor notes the exceptions that it has met.
+constexpr std::uint32_t exceptionsNoted = 0x3F;
 
 constexpr Form::Control labels[] = {Form::lblQuestion, Form::lblRange, Form::lblReturnValue, Form::lblReason,
                                     Form::lblValueCaption};
@@ -225,6 +230,79 @@ TEST(InputBoxWindow, CorrectsAsTheOperatorTypes) {
         const std::u16string shown(toText(answer.value, NumberLocale::pointDecimal()).view());
         EXPECT_EQ(shown, row.value) << testing::PrintToString(row.typed);
     }
+}
+
+/// A host whose processor rounds up and stops at every mistake.
+class PeculiarHost {
+public:
+    PeculiarHost() : before_(FloatingPointState::present()) { settings.apply(); }
+    PeculiarHost(const PeculiarHost&) = delete;
+    PeculiarHost& operator=(const PeculiarHost&) = delete;
+    ~PeculiarHost() { before_.apply(); }
+
+    // Rounding up, in 53 bits; invalid operations, divisions by zero and overflows are not masked.
+    static constexpr FloatingPointState settings{0x0A72, 0x5900};
+
+private:
+    FloatingPointState before_;
+};
+
+TEST(InputBoxWindow, CalculatesInItsOwnWayWhateverTheHostHasSet) {
+    InputRequest request = number(1, 10, InputKind::WholeNumber);
+    const PeculiarHost host;
+    const InputAnswer answer = asked(request, [](const OpenBox& box) {
+        EXPECT_EQ(box.text(Form::lblReturnValue), u"2");
+        EXPECT_EQ(box.text(Form::lblReason), u"(Non Long)");
+        struct Row {
+            const wchar_t* text;
+            const char16_t* value;
+            const char16_t* reason;
+        };
+        for (const Row& row : {Row{L"4.5", u"4", u"(Non Long)"}, Row{L"3.2", u"3", u"(Non Long)"},
+                               Row{L"1e300", u"10", u"(Too large)"}, Row{L"2.5", u"2", u"(Non Long)"}}) {
+            SetWindowTextW(box.entry(), row.text);
+            EXPECT_EQ(box.text(Form::lblReturnValue), row.value);
+            EXPECT_EQ(box.text(Form::lblReason), row.reason);
+        }
+        // The host's windows are painted meanwhile, in the host's way.
+        EXPECT_EQ(FloatingPointState::present().x87, PeculiarHost::settings.x87);
+        EXPECT_EQ(FloatingPointState::present().sse & ~exceptionsNoted, PeculiarHost::settings.sse);
+    });
+    EXPECT_EQ(answer.value.longInteger(), 2);
+}
+
+// The tool tips of a box, which nobody shows before the mouse stays.
+HWND toolTipOf(const OpenBox& box) {
+    struct Search {
+        HWND owner;
+        HWND found;
+    } search{box.window(), nullptr};
+    const auto step = [](HWND window, LPARAM argument) CALLBACK -> BOOL {
+        auto& search = *reinterpret_cast<Search*>(argument);
+        wchar_t name[32];
+        GetClassNameW(window, name, 32);
+        if (std::wstring_view(name) == TOOLTIPS_CLASSW && GetWindow(window, GW_OWNER) == search.owner)
+            search.found = window;
+        return TRUE;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), step, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+TEST(InputBoxWindow, ExplainsTheReturnValueWhereTheMouseStays) {
+    asked(number(0, 10), [](const OpenBox& box) {
+        const HWND toolTip = toolTipOf(box);
+        ASSERT_NE(toolTip, nullptr);
+        wchar_t text[80] = {};
+        TTTOOLINFOW tool{};
+        tool.cbSize = TTTOOLINFOW_V1_SIZE;
+        tool.hwnd = box.window();
+        tool.uId = reinterpret_cast<UINT_PTR>(box.control(Form::lblReturnValue));
+        tool.lpszText = text;
+        SendMessageW(toolTip, TTM_GETTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+        EXPECT_STREQ(text, L"Number that will be returned");
+        EXPECT_EQ(SendMessageW(toolTip, TTM_GETTOOLCOUNT, 0, 0), 1);
+    });
 }
 
 TEST(InputBoxWindow, ReturnsTheCorrectedInitialValueWithoutTyping) {
@@ -460,6 +538,8 @@ TEST(InputBoxWindow, ScrollsAQuestionThatIsTooLongForTheScreen) {
             EXPECT_NE(GetWindowLongPtrW(box.control(Form::lblQuestion), GWL_STYLE) & WS_VSCROLL, 0);
             EXPECT_TRUE(box.text(Form::lblQuestion).ends_with(u"question\r\nthe end"));
             EXPECT_EQ(GetFocus(), box.entry());
+            const HWND afterCancel = GetNextDlgTabItem(box.window(), box.control(Form::cmdCancel), FALSE);
+            EXPECT_EQ(afterCancel, box.control(Form::lblQuestion));
         });
         EXPECT_LT(GetTickCount() - start, 5000U);
     }
@@ -489,9 +569,57 @@ TEST(InputBoxWindow, IsReadableAtEachResolution) {
             const RECT place = box.place(Form::lblQuestion);
             EXPECT_GE(place.bottom - place.top, neededHeight(box));
             const RECT button = box.place(Form::cmdOK);
-            EXPECT_EQ(button.right - button.left, MulDiv(80, dpi, 96));
+            EXPECT_GE(button.right - button.left, MulDiv(80, dpi, 96));
         }
     });
+}
+
+int textWidth(const OpenBox& box, Form::Control id, const std::wstring& text) {
+    const HDC context = GetDC(box.window());
+    const HGDIOBJ before =
+        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(box.control(id), WM_GETFONT, 0, 0)));
+    SIZE size{};
+    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(context, before);
+    ReleaseDC(box.window(), context);
+    return size.cx;
+}
+
+/// What the user has chosen for messages, at another size while the object lives.
+class LargeMessages {
+public:
+    explicit LargeMessages(LONG height) {
+        before_.cbSize = sizeof before_;
+        SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof before_, &before_, 0);
+        NONCLIENTMETRICSW large = before_;
+        large.lfMessageFont.lfHeight = -height;
+        EXPECT_NE(SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof large, &large, 0), FALSE);
+    }
+    LargeMessages(const LargeMessages&) = delete;
+    LargeMessages& operator=(const LargeMessages&) = delete;
+    ~LargeMessages() { SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof before_, &before_, 0); }
+
+private:
+    NONCLIENTMETRICSW before_{};
+};
+
+TEST(InputBoxWindow, HasRoomForTheUsersLetters) {
+    for (const LONG height : {12, 24, 36}) {
+        const LargeMessages large(height);
+        InputRequest request = number(-10, 10);
+        request.allowZero = false;
+        asked(request, [height](const OpenBox& box) {
+            EXPECT_EQ(box.font(Form::cmdOK).lfHeight, -height);
+            SetWindowTextW(box.entry(), L"0");
+            EXPECT_EQ(box.text(Form::lblReason), u"(Value is Zero)");
+            const auto widthOf = [&box](Form::Control id) { return box.place(id).right - box.place(id).left; };
+            EXPECT_GE(widthOf(Form::lblReason), textWidth(box, Form::lblReason, L"(Value is Zero)")) << height;
+            EXPECT_GE(widthOf(Form::lblReturnValue), textWidth(box, Form::lblReturnValue, L"-1.234567E-30")) << height;
+            EXPECT_GT(widthOf(Form::cmdCancel), textWidth(box, Form::cmdCancel, L"Cancel")) << height;
+            EXPECT_GT(box.place(Form::cmdCancel).bottom - box.place(Form::cmdCancel).top, height);
+            expectTidy(box);
+        });
+    }
 }
 
 TEST(InputBoxWindow, HasLabelsInArialAndTheRestInTheFontOfMessages) {
@@ -532,7 +660,9 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                                      EXCEPINFO*, UINT*) override {
-        if (id - 10 == failing_ || flags != DISPATCH_PROPERTYGET || parameters->cArgs != 0) return DISP_E_EXCEPTION;
+        // Some languages offer what is read as properties, some as methods.
+        const WORD offered = id == 12 ? DISPATCH_METHOD : DISPATCH_PROPERTYGET;
+        if (id - 10 == failing_ || (flags & offered) == 0 || parameters->cArgs != 0) return DISP_E_EXCEPTION;
         // As varied as hosts are.
         V_VT(result) = VT_R8;
         V_R8(result) = values_[id - 10];
@@ -581,6 +711,15 @@ TEST(InputBoxWindow, StandsOverTheHostsWindowWithoutAUsableForm) {
     }
     HostForm nowhere(0, 0, std::numeric_limits<double>::quiet_NaN(), 9000);
     asked(number(0, 10), overHost, NumberLocale::pointDecimal(), &nowhere);
+}
+
+TEST(InputBoxWindow, StandsOverTheHostsWindowWhenTheFormIsMinimised) {
+    const HostWindow host(L"Host", 100, 80, 700, 500);
+    SetActiveWindow(host);
+    HostForm form(-32000 * 15, -32000 * 15, 160 * 15, 28 * 15);
+    asked(
+        number(0, 10), [](const OpenBox& box) { expectMiddle(box.area(), 450, 330); }, NumberLocale::pointDecimal(),
+        &form);
 }
 
 TEST(InputBoxWindow, StandsInTheMiddleOfTheScreenWithoutAHost) {
@@ -665,10 +804,19 @@ TEST(InputBoxWindow, IsAnsweredAtOnceWhereNobodySeesTheDesktop) {
 }
 
 TEST(InputBoxWindow, LeavesNothingBehind) {
-    asked(number(0, 10), [](const OpenBox&) {});
-    const DWORD before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    for (int i = 0; i < 20; ++i) asked(number(0, 10), [](const OpenBox&) {});
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before);
+    std::vector<HGDIOBJ> fonts;
+    std::vector<HWND> windows;
+    asked(number(0, 10), [&](const OpenBox& box) {
+        windows = {box.window(), toolTipOf(box)};
+        for (const Form::Control id : allControls) {
+            windows.push_back(box.control(id));
+            fonts.push_back(reinterpret_cast<HGDIOBJ>(SendMessageW(box.control(id), WM_GETFONT, 0, 0)));
+        }
+        for (const HGDIOBJ font : fonts) EXPECT_EQ(GetObjectType(font), DWORD{OBJ_FONT});
+        for (const HWND window : windows) EXPECT_NE(IsWindow(window), FALSE);
+    });
+    for (const HGDIOBJ font : fonts) EXPECT_EQ(GetObjectType(font), 0U);
+    for (const HWND window : windows) EXPECT_EQ(IsWindow(window), FALSE);
     EXPECT_TRUE(openDialogs().empty());
 }
 

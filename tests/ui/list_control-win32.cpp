@@ -98,7 +98,7 @@ protected:
     HRESULT run(std::size_t member, WORD kind, const Arguments& arguments, VARIANT* result) override {
         enum Member : std::size_t { Add, Clear, Count };
         if (IsWindow(list_) == FALSE) return E_FAIL;
-        if (kind != (member == Count ? DISPATCH_PROPERTYGET : DISPATCH_METHOD)) return DISP_E_MEMBERNOTFOUND;
+        if ((kind & (member == Count ? DISPATCH_PROPERTYGET : DISPATCH_METHOD)) == 0) return DISP_E_MEMBERNOTFOUND;
         switch (member) {
             case Clear: clear(); return S_OK;
             case Count: return answer(result, isOfColumns_ ? columnCount(list_) : count(list_));
@@ -217,7 +217,7 @@ HRESULT ListControl::run(std::size_t member, WORD kind, const Arguments& argumen
     if (IsWindow(list_) == FALSE) return E_FAIL;
     // By the control's numbers of its views: icons, small icons, list, report.
     constexpr LONG_PTR views[] = {LVS_ICON, LVS_SMALLICON, LVS_LIST, LVS_REPORT};
-    if (kind == DISPATCH_PROPERTYGET) {
+    if ((kind & DISPATCH_PROPERTYGET) != 0) {
         switch (member) {
             case View: {
                 LONG view = 0;

@@ -11,10 +11,11 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
-#include "host/com/floating_point.h"
+#include "platform/floating_point.h"
 #include "platform/utf8.h"
 #include "tests/com/dispatch_call.h"
 #include "tests/com/every_event.h"
@@ -32,13 +33,10 @@ struct HostWay {
 constexpr HostWay ways[] = {
     {"AllExceptionsUnmasked", {0x0240, 0x0000}},
     {"AllExceptionsUnmaskedAnd64BitPrecision", {0x0340, 0x0000}},
-    {"InvalidOverflowAndDivisionUnmasked", {0x1332, 0x1900}},
-    {"Precision64Bit", {0x037F, 0x1F80}},
-    {"Precision24Bit", {0x007F, 0x1F80}},
-    {"RoundingDown", {0x067F, 0x3F80}},
-    {"RoundingUp", {0x0A7F, 0x5F80}},
-    {"RoundingToZero", {0x0E7F, 0x7F80}},
-    {"DenormalsAreZero", {0x027F, 0x9FC0}},
+    {"InvalidOverflowAndDivisionUnmasked", {0x1372, 0x1900}},
+    {"Precision64BitRoundingUp", {0x0B7F, 0x5F80}},
+    {"Precision24BitRoundingDown", {0x047F, 0x3F80}},
+    {"RoundingToZeroWithoutDenormals", {0x0E7F, 0xFFC0}},
 };
 
 // The low bits of the SSE register note what happened; they are not part of the way.
@@ -354,8 +352,10 @@ protected:
 
     /// Compares what such a host sees with what every other sees.
     static void expectNoDifference(Lines (*observation)(Host&)) {
+        static std::map<Lines (*)(Host&), Lines> known;
         Host usual(ownFloatingPoint);
-        const Lines expected = observation(usual);
+        if (!known.contains(observation)) known[observation] = observation(usual);
+        const Lines& expected = known[observation];
         Host host(GetParam().state);
         const Lines seen = observation(host);
         ASSERT_EQ(seen.size(), expected.size());
