@@ -4,7 +4,6 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 
 #include "host/com/com_variant.h"
@@ -124,17 +123,43 @@ DispatchInterface::Parameter DispatchInterface::describe(ITypeInfo& owner, const
     return parameter;
 }
 
+namespace {
+
+// Plain data, so that nothing is destroyed at the end of a process: other modules may still call in then, and memory
+// may be locked by threads that were ended.
+struct Known {
+    IID id;
+    const DispatchInterface* description;
+};
+constexpr std::size_t maximumKnown = 8;
+std::array<Known, maximumKnown> known{};
+std::size_t knownCount = 0;
+SRWLOCK knownGuard = SRWLOCK_INIT;
+
+class KnownGuarded {
+public:
+    KnownGuarded() noexcept { AcquireSRWLockExclusive(&knownGuard); }
+    KnownGuarded(const KnownGuarded&) = delete;
+    KnownGuarded& operator=(const KnownGuarded&) = delete;
+    ~KnownGuarded() { ReleaseSRWLockExclusive(&knownGuard); }
+};
+
+}  // namespace
+
 const DispatchInterface& DispatchInterface::of(const IID& interfaceId) {
-    static std::mutex guard;
-    static std::vector<std::pair<IID, std::unique_ptr<DispatchInterface>>> known;
-    const std::scoped_lock lock(guard);
-    for (const auto& [id, description] : known)
-        if (IsEqualIID(id, interfaceId)) return *description;
+    const KnownGuarded guarded;
+    for (std::size_t i = 0; i < knownCount; ++i)
+        if (IsEqualIID(known[i].id, interfaceId)) return *known[i].description;
     ComReference<ITypeInfo> information;
     require(loadTypeInfo(interfaceId, information));
-    std::unique_ptr<DispatchInterface> read(new DispatchInterface(*information.get()));
-    known.emplace_back(interfaceId, std::move(read));
-    return *known.back().second;
+    Known& added = known.at(knownCount);
+    added = {interfaceId, new DispatchInterface(*information.get())};
+    ++knownCount;
+    return *added.description;
+}
+
+void DispatchInterface::forgetAll() noexcept {
+    while (knownCount > 0) delete known[--knownCount].description;
 }
 
 HRESULT DispatchInterface::identifiersOf(OLECHAR** names, UINT count, DISPID* identifiers) const noexcept {

@@ -15,6 +15,8 @@ public:
     /// The description of one of the published interfaces. Throws error 7, and std::runtime_error when the module
     /// bears no readable type library.
     static const DispatchInterface& of(const IID& interfaceId);
+    /// For the module's last moment, when it is unloaded from a process that goes on.
+    static void forgetAll() noexcept;
 
     /// The identifiers of a member and, after it, of its parameters: positions from 0.
     HRESULT identifiersOf(OLECHAR** names, UINT count, DISPID* identifiers) const noexcept;

@@ -18,6 +18,8 @@
 #include <new>
 #include <utility>
 
+#include "host/com/dispatch_interface.h"
+
 namespace __gnu_cxx {
 /// Frees the memory that the run-time support keeps for exceptions when there is no other. Declared in no header.
 void __freeres();
@@ -140,6 +142,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* processEnds) {
     if (reason == DLL_THREAD_DETACH) ThreadRecord::endThread();
     // When the process ends its memory goes with it, and threads that held something were ended where they stood.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+        DispatchInterface::forgetAll();
         ThreadRecord::endModule();
         __gnu_cxx::__freeres();
     }

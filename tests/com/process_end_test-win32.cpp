@@ -85,8 +85,10 @@ void runEndlessly(std::atomic<int>& events) {
 template <int count>
 [[noreturn]] void endDuringRunsOfOtherThreads() {
     static std::atomic<int> events{0};
+    // Loads the component, which the threads then find.
+    canUnloadNow();
     for (int i = 0; i < count; ++i) std::thread([] { runEndlessly(events); }).detach();
-    while (events < 2000 * count) Sleep(1);
+    while (events < 100 * count) Sleep(1);
     ExitProcess(42);
 }
 
@@ -155,7 +157,7 @@ int exitCodeOf(const char* end) {
     if (CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
                        &process) == FALSE)
         return hangs;
-    constexpr DWORD patience = 30'000;
+    constexpr DWORD patience = 60'000;
     DWORD code = static_cast<DWORD>(hangs);
     if (WaitForSingleObject(process.hProcess, patience) == WAIT_OBJECT_0)
         GetExitCodeProcess(process.hProcess, &code);

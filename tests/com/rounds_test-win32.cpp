@@ -33,8 +33,7 @@ void expectNothingLeft(const ProcessMemory& before, const ProcessMemory& after) 
 
 void runEarlyBoundWithoutASink() {
     const ComReference<_clsScriptControl> control = newControl();
-    ASSERT_TRUE(
-        load(*control.get(), u"VAR A = 1\r\nVAR T = \"text\"\r\nSet(A, 2)\r\nConCatString(T, \"a\", T)"));
+    ASSERT_TRUE(load(*control.get(), u"VAR A = 1\r\nVAR T = \"text\"\r\nSet(A, 2)\r\nConCatString(T, \"a\", T)"));
     EXPECT_EQ(run(*control.get()).value, VARIANT_FALSE);
     HostText name(u"T");
     BSTR text = nullptr;

@@ -282,7 +282,7 @@ def as_single(value: Value, locale: Locale) -> float:
         return number_as_single(parsed(content, locale))
     if kind == "bool":
         return -1.0 if content else 0.0
-    if kind == "r8" and math.isfinite(content) and abs(content) > LARGEST_SINGLE:
+    if kind == "r8" and abs(content) > LARGEST_SINGLE:
         raise AutomationError(OVERFLOW)
     return round_single(float(content))
 
