@@ -23,7 +23,7 @@ public:
         : container_(container), eventInterfaceId_(eventInterfaceId) {}
     ConnectionPoint(const ConnectionPoint&) = delete;
     ConnectionPoint& operator=(const ConnectionPoint&) = delete;
-    ~ConnectionPoint();
+    virtual ~ConnectionPoint();
 
     /// The sinks in the order of advising; null: none. Who holds the list holds all its sinks, whatever they do
     /// meanwhile.
