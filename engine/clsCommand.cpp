@@ -16,7 +16,7 @@ namespace corvane {
 
 /// The parameters while they are bound: what the type test and its messages need to know of each.
 struct clsCommand::Binding {
-    std::array<std::uint32_t, maximumParameters> slots;
+    std::array<ItemRecord*, maximumParameters> slots;
     std::array<std::int32_t, maximumParameters> actualTypes;
     std::array<std::u16string_view, maximumParameters> tokens;
 };
@@ -51,17 +51,17 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     std::int32_t count = 0;
     std::u16string_view rest = tParamList;
     while (!rest.empty()) {
-        const std::u16string_view token = NextParameter(rest);
-        std::int32_t actualType = 0;
-        const clsData item = bindParameter(token, actualType);
+        std::u16string_view token;
+        std::int32_t actualType = ptConstant | ptNumber;
+        const clsData item = bindNext(rest, token, actualType);
         if (count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
         const auto slot = static_cast<std::size_t>(count++);
-        binding.slots[slot] = item.position();
+        binding.slots[slot] = &item.record();
         binding.actualTypes[slot] = actualType;
         binding.tokens[slot] = token;
         if (count > definition.ParamCount) break;
     }
-    std::uint32_t* slots = script_->slots.allocate(static_cast<std::size_t>(count));
+    ItemRecord** slots = script_->slots.allocate(static_cast<std::size_t>(count));
     std::copy_n(binding.slots.begin(), count, slots);
     slots_ = slots;
     boundCount_ = static_cast<std::uint8_t>(count);
@@ -84,18 +84,37 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     return fits;
 }
 
+inline clsData clsCommand::bindNext(std::u16string_view& rest, std::u16string_view& token, std::int32_t& actualType) {
+    float number = 0;
+    if (NextPlainNumber(rest, token, number)) return script_->dataMemory.AddLiteral(Value::ofSingle(number));
+    token = NextParameter(rest);
+    return bindParameter(token, actualType);
+}
+
+// A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
+// compares stored numbers with the literal's text, and a number never equals a text.
 clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actualType) {
     clsDataList& memory = script_->dataMemory;
     if (IsQuotedString(token)) {
         actualType = ptConstant | ptString;
-        return memory.AddItem({}, actualType, Value::ofText(StripQuotes(token)));
+        return memory.AddLiteral(Value::ofText(StripQuotes(token)));
     }
-    const NumericReading reading(token, engine().locale());
-    if (reading.isNumber()) {
-        actualType = ptConstant | ptNumber;
-        return CreateLiteralItem(reading);
-    }
-    const std::u16string_view name = reading.text();
+    const NumberLocale& numbers = engine().locale();
+    if (beginsAsName(token, numbers)) return bindName(token, actualType);
+    const NumericReading reading(token, numbers);
+    if (reading.isNumber()) return CreateLiteralItem(reading);
+    return bindName(reading.text(), actualType);
+}
+
+clsData clsCommand::CreateLiteralItem(const NumericReading& reading) const {
+    clsData literal =
+        script_->dataMemory.AddLiteral(Value::ofInteger(0));  // Kept: stays when the number is beyond a single
+    literal.setInitialValue(Value::ofSingle(reading.single(engine().locale())));
+    return literal;
+}
+
+clsData clsCommand::bindName(std::u16string_view name, std::int32_t& actualType) {
+    clsDataList& memory = script_->dataMemory;
     // Kept: an empty parameter finds the first literal, since literals have no name.
     std::int32_t position = 0;
     if (memory.FindItem(name, position)) {
@@ -107,14 +126,6 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
     return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
 }
 
-// A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
-// compares stored numbers with the literal's text, and a number never equals a text.
-clsData clsCommand::CreateLiteralItem(const NumericReading& reading) const {
-    clsData literal = script_->dataMemory.AddItem({}, ptConstant | ptNumber, Value());
-    literal.setInitialValue(Value::ofSingle(reading.single(engine().locale())));
-    return literal;
-}
-
 // The first failure ends the test, unless every fault is wanted.
 bool clsCommand::CheckParameterTypes(const Binding& binding) const {
     const FunctionDefinition& definition = functionDefinition(kind_);
@@ -124,7 +135,7 @@ bool clsCommand::CheckParameterTypes(const Binding& binding) const {
         const std::int32_t actual = binding.actualTypes[slot];
         const std::int32_t allowed = definition.Params[slot].ParamType;
         if (actual == ptUndeclared && allowed == ptLabel) {
-            engine().noteForwardReference(binding.slots[slot], binding.tokens[slot]);
+            engine().noteForwardReference(ItemStore::positionOf(*binding.slots[slot]), binding.tokens[slot]);
         } else if (actual == ptUndeclared) {
             engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
             fits = false;

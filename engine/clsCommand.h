@@ -3,6 +3,7 @@
 // The accessors of parameters are defined in loaded_script.h, which knows where the items are.
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "engine/clsDataList.h"
@@ -39,6 +40,17 @@ public:
     /// The item itself. Errors as above.
     inline clsData ParamPtr(std::int32_t tIndex) const;
 
+    /// What is kept of that item. Errors as above.
+    ItemRecord& slotRecord(std::int32_t tIndex) const {
+        if (tIndex < 0 || tIndex >= boundCount_) refuseSlot(tIndex);
+        return *slots_[tIndex];
+    }
+    /// The same for all bound parameters.
+    std::span<ItemRecord* const> slots() const { return {slots_, boundCount_}; }
+    /// Fails as a slot fails that does not exist, or is not bound.
+    [[noreturn]] static void refuseSlot(std::int32_t slot);
+    LoadedScript& script() const { return *script_; }
+
     /// Traces one line for each bound parameter.
     void DebugPrintParamList(TraceSink& sink, const NumberLocale& locale) const;
 
@@ -56,13 +68,14 @@ private:
 
     bool ProcessParameterList(std::u16string_view afterKeyword);
     bool CheckParameterTypes(const Binding& binding) const;
+    clsData bindNext(std::u16string_view& rest, std::u16string_view& token, std::int32_t& actualType);
     clsData bindParameter(std::u16string_view token, std::int32_t& actualType);
+    clsData bindName(std::u16string_view name, std::int32_t& actualType);
     clsData CreateLiteralItem(const NumericReading& reading) const;
-    [[noreturn]] static void refuseSlot(std::int32_t slot);
     clsCommandList& engine() const;
 
     LoadedScript* script_;
-    const std::uint32_t* slots_ = nullptr;  // positions in the script's data memory
+    ItemRecord* const* slots_ = nullptr;
     std::int32_t line_;
     std::uint8_t kind_ = ctUnknown;
     std::uint8_t boundCount_ = 0;

@@ -15,8 +15,11 @@
 #include "host/clsDataSetParameters.h"
 #include "platform/message_pump.h"
 #include "platform/number_locale.h"
+#include "platform/value_rules.h"
 
 namespace corvane {
+
+struct Execution;
 
 /// What a statement tells the run loop.
 enum ResultCode : std::int32_t {
@@ -67,8 +70,13 @@ public:
 /// A statement on its way through `ExecuteCommand`.
 struct StatementStep {
     const clsCommand& command;
+    clsDataList& memory;    ///< that of the statement's script
     std::int32_t& address;  ///< where a jumping statement writes its target
     bool execute = true;    ///< the host's answer to FunctionCalled; dialogs start from it
+
+    /// The item in a slot; errors as those of clsCommand::ParamPtr.
+    clsData item(std::int32_t slot) const { return memory.itemOf(command.slotRecord(slot)); }
+    ValueView view(std::int32_t slot) const { return item(slot).currentView(); }
 };
 
 /// The script engine: it parses a script into statements and data memory and runs them.
@@ -188,6 +196,7 @@ protected:
 
 private:
     struct Check;
+    class FunctionCall;
 
     /// Keeps a script that a load replaces until its last user is done with it.
     class ScriptUse {
@@ -196,7 +205,12 @@ private:
         ScriptUse(const ScriptUse&) = delete;
         ScriptUse& operator=(const ScriptUse&) = delete;
         ~ScriptUse() {
-            if (--engine_.scriptUses_ == 0 && !engine_.replacedScripts_.empty()) engine_.replacedScripts_.clear();
+            dropReplacedScripts();
+            --engine_.scriptUses_;
+        }
+        /// Called where this user holds nothing of them.
+        void dropReplacedScripts() const {
+            if (!engine_.replacedScripts_.empty() && engine_.scriptUses_ == 1) engine_.replacedScripts_.clear();
         }
 
     private:
@@ -220,17 +234,19 @@ private:
     bool resolveLabels();
     void raiseDeclaration(HostEvent event, std::u16string_view identifier, const Value& initialValue);
     void traceLine(std::u16string_view kind, std::u16string_view line);
-    void traceKind(std::u16string_view text);
 
     const NumberLocale& presentUserLocale() const;
 
     // clsCommandList_run.cpp
     bool runStatements();
-    bool runStatement();
-    std::int32_t execute(const clsCommand& command, std::int32_t& address);
+    std::int32_t execute(StatementStep& step, FunctionCall& call);
+    std::int32_t refuseKind(std::int32_t kind);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
-    const clsCommand& commandAt(std::int32_t address) const;
+    bool applyRareResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                         std::int32_t& programCounter);
+    [[noreturn]] static void refuseAddress(std::int32_t address);
+    static const clsCommand& commandAt(const LoadedScript& script, std::int32_t address);
     void reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,
                        std::int32_t result);
     void PushReturnAddress(std::int32_t address);
@@ -242,13 +258,14 @@ private:
     std::int32_t jumpIf(bool holds, StatementStep& step) const;
     std::int32_t askOperator(const StatementStep& step, InputKind kind);
     bool confirmCancel();
-    std::int32_t raiseToHost(const StatementStep& step, HostEvent event, std::uint8_t passed, float rest);
+    std::int32_t raiseToHost(const StatementStep& step, const Execution& execution);
     std::int32_t raiseDataSet();
     void fillDataSet(const StatementStep& step);
-    Value argumentOf(const StatementStep& step, std::int32_t parameter, ValueType type) const;
-    Text textOf(const StatementStep& step, std::int32_t parameter) const;
-    float singleOf(const StatementStep& step, std::int32_t parameter) const;
-    std::int32_t longOf(const StatementStep& step, std::int32_t parameter) const;
+    Value argumentOf(ValueView value, ValueType type) const;
+    inline Text textOf(ValueView value) const;
+    inline float singleOf(ValueView value) const;
+    inline bool booleanOf(ValueView value) const;
+    inline std::int32_t longOf(ValueView value) const;
 
     EngineOwner& owner_;
     EngineServices services_;
@@ -273,5 +290,23 @@ private:
     bool stopExecution_ = false;
     bool running_ = false;
 };
+
+// Asking for the locale is left to those values that need it.
+
+inline float clsCommandList::singleOf(ValueView value) const {
+    return value.type() == ValueType::Single ? value.single() : toSingle(value, locale());
+}
+
+inline std::int32_t clsCommandList::longOf(ValueView value) const {
+    return everyday::isLong(value) ? everyday::toLong(value) : toLong(value, locale());
+}
+
+inline bool clsCommandList::booleanOf(ValueView value) const {
+    return everyday::isBoolean(value) ? everyday::toBoolean(value) : toBoolean(value, locale());
+}
+
+inline Text clsCommandList::textOf(ValueView value) const {
+    return value.isText() ? value.text() : toText(value, locale());
+}
 
 }  // namespace corvane

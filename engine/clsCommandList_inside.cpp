@@ -11,29 +11,17 @@ constexpr std::u16string_view messageCaption = u"Corvane";
 
 }  // namespace
 
-Text clsCommandList::textOf(const StatementStep& step, std::int32_t parameter) const {
-    return toText(step.command.ParamValue(parameter), locale());
-}
-
-float clsCommandList::singleOf(const StatementStep& step, std::int32_t parameter) const {
-    return toSingle(step.command.ParamValue(parameter), locale());
-}
-
-std::int32_t clsCommandList::longOf(const StatementStep& step, std::int32_t parameter) const {
-    return toLong(step.command.ParamValue(parameter), locale());
-}
-
 // Flow control
 
-std::int32_t clsCommandList::jump(StatementStep& step, std::int32_t parameter) const {
-    step.address = longOf(step, parameter);
+inline std::int32_t clsCommandList::jump(StatementStep& step, std::int32_t parameter) const {
+    step.address = longOf(step.view(parameter));
     return crJump;
 }
 
 std::int32_t clsCommandList::executeGoto(StatementStep& step) { return jump(step, 0); }
 
 std::int32_t clsCommandList::executeCall(StatementStep& step) {
-    step.address = longOf(step, 0);
+    step.address = longOf(step.view(0));
     return crCall;
 }
 
@@ -47,68 +35,84 @@ std::int32_t clsCommandList::executeIfNotFinishLoopFlag(StatementStep& step) {
         return crNext;
     }
     Event required(HostEvent::RequiredFinishLoopFlag);
-    required.append(Value::ofText(textOf(step, 0)));
+    required.append(Value::ofText(textOf(step.view(0))));
     required.append(Value::ofBoolean(false));
     owner_.raise(required);
-    step.address = longOf(step, 1);
+    step.address = longOf(step.view(1));
     return required.succeeded() ? crJump : crFailed;
 }
 
 // Comparisons
 
-std::int32_t clsCommandList::jumpIf(bool holds, StatementStep& step) const { return holds ? jump(step, 2) : crNext; }
+namespace {
+
+inline std::weak_ordering compareParameters(const StatementStep& step) { return compare(step.view(0), step.view(1)); }
+
+}  // namespace
+
+inline std::int32_t clsCommandList::jumpIf(bool holds, StatementStep& step) const {
+    return holds ? jump(step, 2) : crNext;
+}
 
 std::int32_t clsCommandList::executeIfGreaterThan(StatementStep& step) {
-    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) > 0, step);
+    return jumpIf(compareParameters(step) > 0, step);
 }
 
 std::int32_t clsCommandList::executeIfLessThan(StatementStep& step) {
-    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) < 0, step);
+    return jumpIf(compareParameters(step) < 0, step);
 }
 
 std::int32_t clsCommandList::executeIfNotEqual(StatementStep& step) {
-    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) != 0, step);
+    return jumpIf(compareParameters(step) != 0, step);
 }
 
-std::int32_t clsCommandList::executeIfEqual(StatementStep& step) {
-    return jumpIf(compare(step.command.ParamValue(0), step.command.ParamValue(1)) == 0, step);
-}
+std::int32_t clsCommandList::executeIfEqual(StatementStep& step) { return jumpIf(compareParameters(step) == 0, step); }
 
 // Values
 
 std::int32_t clsCommandList::executeSet(StatementStep& step) {
-    step.command.setParamValue(0, step.command.ParamValue(1));
+    step.item(0).setCurrentValue(step.item(1).CurrentValue());
     return crNext;
 }
 
 std::int32_t clsCommandList::executeDecrement(StatementStep& step) {
-    step.command.setParamValue(0, subtract(step.command.ParamValue(0), Value::ofInteger(1), locale()));
+    const clsData item = step.item(0);
+    const Value one = Value::ofInteger(1);
+    if (const auto difference = everyday::subtract(item.currentView(), one))
+        item.setCurrentSingle(*difference);
+    else
+        item.setCurrentValue(subtract(item.currentView(), one, locale()));
     return crNext;
 }
 
 std::int32_t clsCommandList::executeIncrement(StatementStep& step) {
-    step.command.setParamValue(0, add(step.command.ParamValue(0), Value::ofInteger(1), locale()));
+    const clsData item = step.item(0);
+    const Value one = Value::ofInteger(1);
+    if (const auto sum = everyday::add(item.currentView(), one))
+        item.setCurrentSingle(*sum);
+    else
+        item.setCurrentValue(add(item.currentView(), one, locale()));
     return crNext;
 }
 
 std::int32_t clsCommandList::executeMathsFunction(StatementStep& step) {
     constexpr std::size_t returnArgument = 5;
     Event maths(HostEvent::MathsFunction);
-    maths.append(Value::ofText(textOf(step, 0)));
+    maths.append(Value::ofText(textOf(step.view(0))));
     for (std::int32_t parameter = 2; parameter <= 5; ++parameter)
-        maths.append(Value::ofSingle(singleOf(step, parameter)));
+        maths.append(Value::ofSingle(singleOf(step.view(parameter))));
     maths.append(Value::ofSingle(0));
     maths.append(Value::ofBoolean(false));
     owner_.raise(maths);
     if (!maths.succeeded()) return crFailed;
-    step.command.setParamValue(1, maths.argument(returnArgument));
+    step.item(1).setCurrentValue(maths.argument(returnArgument));
     return crNext;
 }
 
 std::int32_t clsCommandList::executeConCatString(StatementStep& step) {
-    const Text left = textOf(step, 1);
-    const Text right = textOf(step, 2);
-    step.command.setParamValue(0, Value::ofText(Text::join(left.view(), right.view())));
+    const Text left = textOf(step.view(1));
+    const Text right = textOf(step.view(2));
+    step.item(0).setCurrentValue(Value::ofText(Text::join(left.view(), right.view())));
     return crNext;
 }
 
@@ -117,10 +121,10 @@ std::int32_t clsCommandList::executeConCatString(StatementStep& step) {
 std::int32_t clsCommandList::executeInputNumber(StatementStep& step) {
     constexpr std::size_t executeArgument = 4;
     Event input(HostEvent::InputNumber);
-    input.append(Value::ofText(textOf(step, 0)));
-    input.append(Value::ofSingle(singleOf(step, 2)));
-    input.append(Value::ofSingle(singleOf(step, 3)));
-    input.append(Value::ofSingle(singleOf(step, 1)));
+    input.append(Value::ofText(textOf(step.view(0))));
+    input.append(Value::ofSingle(singleOf(step.view(2))));
+    input.append(Value::ofSingle(singleOf(step.view(3))));
+    input.append(Value::ofSingle(singleOf(step.view(1))));
     input.append(Value::ofBoolean(step.execute));
     input.append(Value::ofBoolean(false));
     owner_.raise(input);
@@ -134,9 +138,9 @@ std::int32_t clsCommandList::executeInputString(StatementStep& step) {
     constexpr std::size_t executeArgument = 3;
     bool execute = step.execute;
     const auto raiseInput = [&](Event& input) {
-        input.append(Value::ofText(textOf(step, 0)));
-        input.append(Value::ofLong(longOf(step, 2)));
-        input.append(Value::ofText(textOf(step, 1)));
+        input.append(Value::ofText(textOf(step.view(0))));
+        input.append(Value::ofLong(longOf(step.view(2))));
+        input.append(Value::ofText(textOf(step.view(1))));
         input.append(Value::ofBoolean(execute));
         input.append(Value::ofBoolean(false));
         owner_.raise(input);
@@ -149,27 +153,27 @@ std::int32_t clsCommandList::executeInputString(StatementStep& step) {
     Event second(HostEvent::InputString);
     raiseInput(second);
     if (execute) return askOperator(step, InputKind::String);
-    step.command.setParamValue(1, second.argument(valueArgument));
+    step.item(1).setCurrentValue(second.argument(valueArgument));
     return crNext;
 }
 
 std::int32_t clsCommandList::askOperator(const StatementStep& step, InputKind kind) {
     for (;;) {
-        const Text question = textOf(step, 0);
+        const Text question = textOf(step.view(0));
         InputRequest request;
-        request.initialValue = step.command.ParamValue(1);
+        request.initialValue = step.item(1).CurrentValue();
         request.kind = kind;
         request.question = question.view();
         if (kind == InputKind::String) {
-            request.maximum = singleOf(step, 2);
+            request.maximum = singleOf(step.view(2));
             request.title = u"Enter String";
         } else {
-            request.minimum = singleOf(step, 2);
-            request.maximum = singleOf(step, 3);
+            request.minimum = singleOf(step.view(2));
+            request.maximum = singleOf(step.view(3));
             request.title = u"Enter Number";
         }
         InputAnswer answer = services_.dialogs.askInput(request);
-        step.command.setParamValue(1, std::move(answer.value));
+        step.item(1).setCurrentValue(std::move(answer.value));
         if (answer.ending == InputAnswer::Ending::Accepted) return crNext;
         if (answer.ending == InputAnswer::Ending::Unavailable || confirmCancel()) return crFailed;
     }
@@ -189,7 +193,7 @@ bool clsCommandList::confirmCancel() {
 
 std::int32_t clsCommandList::executeInfo(StatementStep& step) {
     Event info(HostEvent::Info);
-    info.append(Value::ofText(textOf(step, 0)));
+    info.append(Value::ofText(textOf(step.view(0))));
     info.append(Value::ofBoolean(false));
     owner_.raise(info);
     return info.succeeded() ? crNext : crFailed;
@@ -198,14 +202,14 @@ std::int32_t clsCommandList::executeInfo(StatementStep& step) {
 std::int32_t clsCommandList::executeMsgAsk(StatementStep& step) {
     constexpr std::size_t executeArgument = 2;
     Event ask(HostEvent::MsgAsk);
-    ask.append(Value::ofText(textOf(step, 0)));
+    ask.append(Value::ofText(textOf(step.view(0))));
     ask.append(Value::ofLong(0));
     ask.append(Value::ofBoolean(step.execute));
     ask.append(Value::ofBoolean(false));
     owner_.raise(ask);
     // Kept: a host that asks the operator itself cannot make the script jump.
     if (!ask.argument(executeArgument).boolean()) return crNext;
-    const Text question = textOf(step, 0);
+    const Text question = textOf(step.view(0));
     const std::optional<std::int32_t> answer = services_.dialogs.showMessage(
         {.text = question.view(), .caption = messageCaption, .style = yesNoQuestionStyle, .helpFile = {}});
     return answer == yesAnswer ? jump(step, 1) : crNext;
@@ -215,12 +219,12 @@ std::int32_t clsCommandList::executeMsgInfo(StatementStep& step) {
     constexpr std::size_t executeArgument = 1;
     if (!step.execute) return crNext;
     Event message(HostEvent::MsgInfo);
-    message.append(Value::ofText(textOf(step, 0)));
+    message.append(Value::ofText(textOf(step.view(0))));
     message.append(Value::ofBoolean(step.execute));
     message.append(Value::ofBoolean(false));
     owner_.raise(message);
     if (message.argument(executeArgument).boolean()) {
-        const Text text = textOf(step, 0);
+        const Text text = textOf(step.view(0));
         services_.dialogs.showMessage(
             {.text = text.view(), .caption = messageCaption, .style = okInformationStyle, .helpFile = {}});
     }
@@ -231,17 +235,17 @@ std::int32_t clsCommandList::executeMsgInfoEx(StatementStep& step) {
     constexpr std::size_t executeArgument = 2;
     if (!step.execute) return crNext;
     Event message(HostEvent::MsgInfoEx);
-    message.append(Value::ofText(textOf(step, 0)));
-    message.append(Value::ofLong(longOf(step, 1)));
+    message.append(Value::ofText(textOf(step.view(0))));
+    message.append(Value::ofLong(longOf(step.view(1))));
     message.append(Value::ofBoolean(step.execute));
     message.append(Value::ofBoolean(false));
     owner_.raise(message);
     if (message.argument(executeArgument).boolean()) {
-        const Text text = textOf(step, 0);
+        const Text text = textOf(step.view(0));
         // Kept: the sound number stands where the style belongs, the style where the caption, the caption where the
         // help file.
         services_.dialogs.showMessage(
-            {.text = text.view(), .caption = u"64", .style = longOf(step, 1), .helpFile = messageCaption});
+            {.text = text.view(), .caption = u"64", .style = longOf(step.view(1)), .helpFile = messageCaption});
     }
     return crNext;
 }

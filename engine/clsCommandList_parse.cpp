@@ -34,8 +34,9 @@ public:
 
     bool next(std::u16string_view& line) {
         if (atEnd_) return false;
-        std::size_t end = 0;
-        while (end < rest_.size() && rest_[end] != u'\r' && rest_[end] != u'\n') ++end;
+        const auto endsLine = [](char16_t c) { return c <= u'\r' && (c == u'\r' || c == u'\n'); };
+        const std::size_t end =
+            static_cast<std::size_t>(std::find_if(rest_.begin(), rest_.end(), endsLine) - rest_.begin());
         line = rest_.substr(0, end);
         atEnd_ = end == rest_.size();
         if (atEnd_) return true;
@@ -204,10 +205,10 @@ bool clsCommandList::parseLine(std::u16string_view line) {
         return true;
     }
     if (line.front() == u';') {
-        traceLine(u"Comment", line);
+        if (traceSink_ != nullptr) traceLine(u"Comment", line);
         return true;
     }
-    traceLine(u"Script", line);
+    if (traceSink_ != nullptr) traceLine(u"Script", line);
     if (parseScriptLine(line)) return true;
     // In a check a line that has said what is wrong with it needs no second message.
     if (check_ == nullptr || check_->faultsOnLine == 0)
@@ -224,7 +225,7 @@ bool clsCommandList::parseScriptLine(std::u16string_view line) {
 }
 
 bool clsCommandList::parseLabel(std::u16string_view line) {
-    traceKind(u"   o Line is a Label");
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"   o Line is a Label");
     const std::u16string_view name = line.substr(0, line.size() - 1);  // Kept: a blank before the colon belongs to it
     const Value address = Value::ofLong(commandCount());
     clsDataList& memory = DataMemory();
@@ -254,7 +255,7 @@ void clsCommandList::reportDuplicateLabel(std::u16string_view name) {
 }
 
 bool clsCommandList::parseVariable(std::u16string_view line) {
-    traceKind(u"   o Line is a Variable");
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"   o Line is a Variable");
     const auto [name, value] = splitDeclaration(line, variableKeyword);
     const NumericReading declared(value, locale());
     const bool isNumber = value.empty() || declared.isNumber();
@@ -265,7 +266,7 @@ bool clsCommandList::parseVariable(std::u16string_view line) {
 }
 
 bool clsCommandList::parseConstant(std::u16string_view line) {
-    traceKind(u"   o Line is a Constant");
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"   o Line is a Constant");
     const auto [name, value] = splitDeclaration(line, constantKeyword);
     if (value.empty()) return parseEmptyConstant(name);
     const NumericReading declared(value, locale());
@@ -287,7 +288,7 @@ bool clsCommandList::parseEmptyConstant(std::u16string_view name) {
 
 // Kept: the value is the text as it stands, with its quotes and "|".
 bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
-    traceKind(u"   o Line is a Constant");  // Kept: the text of constants
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"   o Line is a Constant");  // Kept: the text of constants
     const auto [name, value] = splitDeclaration(line, environmentKeyword);
     clsDataList& memory = DataMemory();
     const Value text = Value::ofText(value);
@@ -300,7 +301,7 @@ bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
 }
 
 bool clsCommandList::parseStatement(std::u16string_view line) {
-    traceKind(u"   o Line is a Keyword");
+    if (traceSink_ != nullptr) traceSink_->trace(doParsing, u"   o Line is a Keyword");
     clsCommand command(*this);
     if (!command.ProcessKeyword(line)) return false;
     script_->statements.emplaceBack(command);
@@ -355,14 +356,9 @@ void clsCommandList::raiseDeclaration(HostEvent event, std::u16string_view ident
 }
 
 void clsCommandList::traceLine(std::u16string_view kind, std::u16string_view line) {
-    if (traceSink_ == nullptr) return;
     std::u16string text = u"File Line: " + decimal(currentLine_);
     text.append(u":   ").append(kind).append(u" Text: '").append(line).append(u"'");
     traceSink_->trace(doParsing, text);
-}
-
-void clsCommandList::traceKind(std::u16string_view text) {
-    if (traceSink_ != nullptr) traceSink_->trace(doParsing, text);
 }
 
 }  // namespace corvane

@@ -43,81 +43,117 @@ bool clsCommandList::ExecuteList() {
     return result;
 }
 
-std::int32_t clsCommandList::execute(const clsCommand& command, std::int32_t& address) {
+/// What is asked before each statement. It is made once a run and renewed: most of an event is the same each time.
+class clsCommandList::FunctionCall {
+public:
+    FunctionCall() {
+        called_.append(Value::ofLong(ctUnknown));
+        called_.append(Value::ofBoolean(true));
+        called_.append(Value::ofBoolean(false));
+    }
+    /// Whether the statement is to be executed by the component.
+    bool ask(EngineOwner& owner, std::int32_t kind) {
+        called_.renew(0, Value::ofLong(kind));
+        called_.renew(1, Value::ofBoolean(true));
+        called_.renew(2, Value::ofBoolean(false));
+        owner.raise(called_);
+        return called_.argument(1).boolean();
+    }
+
+private:
+    Event called_{HostEvent::FunctionCalled};
+};
+
+// Part of the loop itself: a call more a statement would be felt.
+[[gnu::always_inline]] inline std::int32_t clsCommandList::execute(StatementStep& step, FunctionCall& call) {
     // A block start is an information in all respects.
-    const std::int32_t kind = command.CommandType() == ctBlockStart ? ctInfo : command.CommandType();
-    StatementStep step{command, address};
-    {
-        Event called(HostEvent::FunctionCalled);
-        called.append(Value::ofLong(kind));
-        called.append(Value::ofBoolean(step.execute));
-        called.append(Value::ofBoolean(false));
-        owner_.raise(called);
-        step.execute = called.argument(1).boolean();
-    }
-    const StatementRow* const row = findStatementRow(kind);
-    if (row == nullptr) {
-        // Kept: reported to the statement collection, which has no SyntaxError.
-        if (!options_.designedMemberAccess) throw automation_error(ErrorNumber::MemberNotFound);
-        SyntaxError(u"Command Number: " + decimal(kind) + u" not found.");
-        return crFailed;
-    }
-    const Execution& execution = row->execution;
-    if (execution.way == Execution::Way::Inside) return (this->*execution.handler)(step);
-    return raiseToHost(step, execution.event, execution.passed, execution.rest);
+    const std::int32_t kind = step.command.CommandType() == ctBlockStart ? ctInfo : step.command.CommandType();
+    step.execute = call.ask(owner_, kind);
+    const Execution* const execution = findExecution(kind);
+    if (execution == nullptr) return refuseKind(kind);
+    if (execution->way == Execution::Way::Inside) return (this->*execution->handler)(step);
+    return raiseToHost(step, *execution);
+}
+
+// Kept: reported to the statement collection, which has no SyntaxError.
+std::int32_t clsCommandList::refuseKind(std::int32_t kind) {
+    if (!options_.designedMemberAccess) throw automation_error(ErrorNumber::MemberNotFound);
+    SyntaxError(u"Command Number: " + decimal(kind) + u" not found.");
+    return crFailed;
 }
 
 // The result is never true; the loop's last test of it is therefore left out.
-bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                                        std::int32_t& programCounter, bool& keepRunning) {
-    switch (result) {
-        case crNext: break;
-        case crFailed:
-            reportFailure(u"ERROR (ExecuteList) - Command Failed: Address ", command, programCounter, result);
-            keepRunning = false;
-            break;
-        case crReturn:
-            if (!PopReturnAddress(target)) keepRunning = false;
-            programCounter = addressPlus(target, -1);
-            break;
-        case crCall:
-            PushReturnAddress(addressPlus(programCounter, 1));
-            programCounter = addressPlus(target, -1);
-            break;
-        case crJump: programCounter = addressPlus(target, -1); break;
-        default:
-            reportFailure(u"ERROR (ExecuteList) - Unhandled ExecuteCommand Return:  Address ", command, programCounter,
-                          result);
-            keepRunning = false;
-    }
+[[gnu::always_inline]] inline bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target,
+                                                                      const clsCommand& command,
+                                                                      std::int32_t& programCounter, bool& keepRunning) {
+    if (result == crJump)
+        programCounter = addressPlus(target, -1);
+    else if (result != crNext)
+        keepRunning = applyRareResult(result, target, command, programCounter);
     programCounter = addressPlus(programCounter, 1);
     if (programCounter >= commandCount()) keepRunning = false;
     return false;
 }
 
-const clsCommand& clsCommandList::commandAt(std::int32_t address) const {
-    if (address >= 0 && address < commandCount()) return script_->statements[static_cast<std::size_t>(address)];
-    return Command(addressPlus(address, 1));
-}
-
-bool clsCommandList::runStatement() {
-    const ScriptUse use(*this);
-    const clsCommand& command = commandAt(programCounter_);
-    if (traceSink_ != nullptr) traceStatement(u"Running Command: ", command);
-    if (listener_ != nullptr) listener_->CommandStart(programCounter_);
-    std::int32_t target = programCounter_;
-    const std::int32_t result = execute(command, target);
+bool clsCommandList::applyRareResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                                     std::int32_t& programCounter) {
     bool keepRunning = true;
-    ApplyCommandResult(result, target, command, programCounter_, keepRunning);
-    owner_.CommandComplete(programCounter_, result);
-    if (listener_ != nullptr) listener_->CommandComplete(programCounter_, result);
+    switch (result) {
+        case crCall:
+            PushReturnAddress(addressPlus(programCounter, 1));
+            programCounter = addressPlus(target, -1);
+            break;
+        case crReturn:
+            keepRunning = PopReturnAddress(target);
+            programCounter = addressPlus(target, -1);
+            break;
+        case crFailed:
+            reportFailure(u"ERROR (ExecuteList) - Command Failed: Address ", command, programCounter, result);
+            keepRunning = false;
+            break;
+        default:
+            reportFailure(u"ERROR (ExecuteList) - Unhandled ExecuteCommand Return:  Address ", command, programCounter,
+                          result);
+            keepRunning = false;
+    }
     return keepRunning;
 }
 
+inline const clsCommand& clsCommandList::commandAt(const LoadedScript& script, std::int32_t address) {
+    const auto position = static_cast<std::uint32_t>(address);
+    if (position >= script.statements.size()) refuseAddress(address);
+    return script.statements[position];
+}
+
+void clsCommandList::refuseAddress(std::int32_t address) {
+    addressPlus(address, 1);  // statements are counted from 1, and the counting may overflow
+    throw automation_error(ErrorNumber::SubscriptOutOfRange);
+}
+
 bool clsCommandList::runStatements() {
-    programCounter_ = 0;
+    const ScriptUse use(*this);
+    FunctionCall call;
+    LoadedScript* script = script_.get();
+    std::int32_t programCounter = 0;
+    programCounter_ = programCounter;
     for (;;) {
-        const bool keepRunning = runStatement();
+        if (script != script_.get()) {  // a load took place; the statement that was under way has ended
+            script = script_.get();
+            use.dropReplacedScripts();
+        }
+        const clsCommand& command = commandAt(*script, programCounter);
+        if (traceSink_ != nullptr) traceStatement(u"Running Command: ", command);
+        if (listener_ != nullptr) listener_->CommandStart(programCounter);
+
+        std::int32_t target = programCounter;
+        StatementStep step{command, script->dataMemory, target};
+        const std::int32_t result = execute(step, call);
+        bool keepRunning = true;
+        ApplyCommandResult(result, target, command, programCounter, keepRunning);
+        programCounter_ = programCounter;
+
+        owner_.CommandComplete(programCounter, result);
+        if (listener_ != nullptr) listener_->CommandComplete(programCounter, result);
         services_.pump.yield();
         // Asked before the end of the list, so that a run stopped on its last statement counts as stopped.
         if (stopExecution_) return false;
@@ -127,7 +163,9 @@ bool clsCommandList::runStatements() {
 
 std::int32_t clsCommandList::ExecuteCommand(const clsCommand& tCommand, std::int32_t& tCurrentAddress) {
     const ScriptUse use(*this);
-    return execute(tCommand, tCurrentAddress);
+    FunctionCall call;
+    StatementStep step{tCommand, tCommand.script().dataMemory, tCurrentAddress};
+    return execute(step, call);
 }
 
 void clsCommandList::reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,

@@ -8,6 +8,7 @@
 #include "engine/block_vector.h"
 #include "engine/engine_listener.h"
 #include "engine/enumerations.h"
+#include "engine/item_store.h"
 #include "engine/name_index.h"
 #include "engine/table_view.h"
 #include "engine/trace.h"
@@ -31,9 +32,13 @@ public:
     void setParameterType(std::int32_t typeCode);
 
     /// The value during a run; the 16-bit integer 0 until a run or an assignment.
-    Value CurrentValue() const;
+    Value CurrentValue() const { return Value(currentView()); }
+    /// The same, to be looked at; valid until the next assignment.
+    ValueView currentView() const;
     /// Raises CurrentValueChanged.
-    void setCurrentValue(Value value);
+    void setCurrentValue(Value value) const;
+    /// The same with a single, which is what most statements assign.
+    void setCurrentSingle(float number) const;
 
     /// The value that a run starts from.
     Value InitialValue() const;
@@ -54,19 +59,22 @@ public:
     /// Copies the initial value into the current one, without CurrentValueChanged. Always true.
     bool Initialise();
 
+    /// What the list keeps of it.
+    ItemRecord& record() const { return *record_; }
+
     /// Its position in the list, from 0.
-    std::uint32_t position() const { return position_; }
+    std::uint32_t position() const { return ItemStore::positionOf(*record_); }
 
     friend bool operator==(const clsData&, const clsData&) = default;
 
 private:
     friend class clsDataList;
-    void storeCurrentValue(Value value);
-    void setCurrentValueAndTell(Value value);
-    clsData(clsDataList& list, std::uint32_t position) : list_(&list), position_(position) {}
+    void storeCurrentValue(Value value) const;
+    void setCurrentValueAndTell(Value value) const;
+    clsData(clsDataList& list, ItemRecord& record) : list_(&list), record_(&record) {}
 
     clsDataList* list_;
-    std::uint32_t position_;
+    ItemRecord* record_;
 };
 
 /// The data memory of one loaded script: its items in the order in which they were entered. Items are never removed.
@@ -82,6 +90,9 @@ public:
     clsData AddItem() { return AddItem({}, ptUndeclared, Value()); }
     /// Appends an item that has its name, type and initial value from the start.
     clsData AddItem(std::u16string_view identifier, std::int32_t typeCode, Value initialValue);
+
+    /// Appends a literal: a nameless constant, a string for a text and a number for a number.
+    clsData AddLiteral(Value value);
 
     /// The item at a position from 1 to Count; error 5 elsewhere.
     clsData GetItemPtr(std::int32_t tIndex);
@@ -116,20 +127,13 @@ public:
     std::int32_t undeclaredCount() const { return undeclaredCount_; }
 
     /// The item at a position that is known to exist.
-    clsData at(std::uint32_t position) { return {*this, position}; }
+    clsData at(std::uint32_t position) { return {*this, items_[position]}; }
+    /// The item of one of this list's records.
+    clsData itemOf(ItemRecord& record) { return {*this, record}; }
 
 private:
     friend class clsData;
 
-    // Small, since first touch of memory is a large part of a load: rarely used members live in `edits_`, names apart.
-    struct Record {
-        Value::Payload initial;
-        Value::Payload current;
-        std::uint32_t identifier = 0;  // in `identifiers_`, counted from 1; 0 is the empty name
-        std::uint16_t typeCode = 0;    // `otherTypeCode`: kept in `otherTypeCodes_`
-        ValueType initialType = ValueType::Integer;
-        ValueType currentType = ValueType::Integer;
-    };
     struct EditProperties {
         bool isEditable = false;
         float minimum = 0;
@@ -137,20 +141,19 @@ private:
         Text units;
         Text prompt;
     };
-    static constexpr std::uint16_t otherTypeCode = 0xFFFF;
     static inline EngineListener* const nobody = nullptr;
 
-    std::u16string_view identifier(const Record& record) const;
-    std::int32_t typeCode(std::uint32_t position) const;
-    void storeTypeCode(std::uint32_t position, std::int32_t typeCode);
+    std::u16string_view identifier(const ItemRecord& record) const;
+    std::int32_t typeCode(const ItemRecord& record) const;
+    void storeTypeCode(ItemRecord& record, std::int32_t typeCode);
     const EditProperties& edit(std::uint32_t position) const;
     bool findByWalk(std::u16string_view name, std::int32_t& index, std::int32_t filter) const;
-    void enterInIndex(std::uint32_t position);
-    void insertInIndex(std::uint32_t position);
-    void leaveIndex(std::uint32_t position);
+    void enterInIndex(const ItemRecord& record);
+    void insertInIndex(const ItemRecord& record);
+    void leaveIndex(const ItemRecord& record);
 
     EngineListener* const& listener_;
-    BlockVector<Record> items_;
+    ItemStore items_;
     BlockVector<Text> identifiers_;
     std::unordered_map<std::uint32_t, EditProperties> edits_;
     std::unordered_map<std::uint32_t, std::int32_t> otherTypeCodes_;
@@ -160,41 +163,50 @@ private:
     std::int32_t editableCount_ = 0;
 };
 
-inline Value clsData::CurrentValue() const {
-    const clsDataList::Record& record = list_->items_[position_];
-    return Value::copyOf(record.currentType, record.current);
+inline clsData clsDataList::AddLiteral(Value value) {
+    const auto typeCode = static_cast<std::uint8_t>(ptConstant | (value.isText() ? ptString : ptNumber));
+    ItemRecord& record = items_.append(typeCode);
+    record.initialType = value.type();
+    record.initial = std::move(value).detach();
+    if (index_) index_->appendNameless(typeCode, static_cast<std::uint32_t>(items_.size() - 1));
+    return itemOf(record);
 }
 
-inline void clsData::storeCurrentValue(Value value) {
-    clsDataList::Record& record = list_->items_[position_];
-    const Value previous = Value::adopt(record.currentType, record.current);
-    record.currentType = value.type();
-    record.current = std::move(value).detach();
+inline ValueView clsData::currentView() const { return {record_->currentType, record_->current}; }
+
+inline void clsData::storeCurrentValue(Value value) const {
+    const Value previous = Value::adopt(record_->currentType, record_->current);
+    record_->currentType = value.type();
+    record_->current = std::move(value).detach();
 }
 
-inline void clsData::setCurrentValue(Value value) {
+inline void clsData::setCurrentValue(Value value) const {
     if (list_->listener_ == nullptr)
         storeCurrentValue(std::move(value));
     else
         setCurrentValueAndTell(std::move(value));
 }
 
-inline Value clsData::InitialValue() const {
-    const clsDataList::Record& record = list_->items_[position_];
-    return Value::copyOf(record.initialType, record.initial);
+inline void clsData::setCurrentSingle(float number) const {
+    if (record_->currentType == ValueType::Single && list_->listener_ == nullptr)
+        record_->current = Value::ofSingle(number).detach();
+    else
+        setCurrentValue(Value::ofSingle(number));
 }
 
-inline std::int32_t clsData::ParameterType() const { return list_->typeCode(position_); }
+inline Value clsData::InitialValue() const { return Value::copyOf(record_->initialType, record_->initial); }
 
-inline std::u16string_view clsDataList::identifier(const Record& record) const {
+inline std::int32_t clsData::ParameterType() const { return list_->typeCode(*record_); }
+
+inline std::u16string_view clsDataList::identifier(const ItemRecord& record) const {
     return record.identifier == 0 ? std::u16string_view() : identifiers_[record.identifier - 1].view();
 }
 
-inline std::u16string_view clsData::Identifier() const { return list_->identifier(list_->items_[position_]); }
+inline std::u16string_view clsData::Identifier() const { return list_->identifier(*record_); }
 
-inline std::int32_t clsDataList::typeCode(std::uint32_t position) const {
-    const std::uint16_t code = items_[position].typeCode;
-    return code != otherTypeCode ? code : otherTypeCodes_.at(position);
+inline std::int32_t clsDataList::typeCode(const ItemRecord& record) const {
+    const std::uint8_t code = record.typeCode;
+    return code != ItemRecord::otherTypeCode ? code : otherTypeCodes_.at(ItemStore::positionOf(record));
 }
 
 }  // namespace corvane

@@ -55,17 +55,24 @@ public:
 
     /// `tSucess`, the last argument.
     bool succeeded() const noexcept { return slots()[count_ - 1].boolean(); }
-    void succeed(bool success = true) noexcept { slots()[count_ - 1] = Value::ofBoolean(success); }
+    void succeed(bool success = true) noexcept { renew(count_ - 1, Value::ofBoolean(success)); }
 
 private:
     friend class clsCommandList;
     friend class clsScriptControl;
 
     explicit Event(HostEvent event) noexcept : row_(&eventRow(event)) {}
-    void append(Value value) noexcept {
-        assert(count_ < row_->argumentCount && value.type() == row_->arguments[count_].type);
-        new (&storage_[count_ * sizeof(Value)]) Value(std::move(value));
-        ++count_;
+    void append(Value value) noexcept { place(count_, std::move(value)); }
+    /// The argument that comes next, by a raiser that counts itself: reading back what was just written takes time.
+    void place(std::size_t next, Value value) noexcept {
+        assert(next < row_->argumentCount && value.type() == row_->arguments[next].type);
+        new (&storage_[next * sizeof(Value)]) Value(std::move(value));
+        count_ = next + 1;
+    }
+    /// Another value, of the same type, for an argument that owns nothing, when the event is raised once more.
+    void renew(std::size_t position, const Value& number) noexcept {
+        assert(position < count_ && number.type() < ValueType::Text && number.type() == slots()[position].type());
+        slots()[position].renew(number);
     }
     bool takes(std::size_t position, ValueType type) const noexcept {
         return position < count_ && row_->arguments[position].byReference && row_->arguments[position].type == type;

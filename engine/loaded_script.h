@@ -14,12 +14,11 @@ struct LoadedScript {
     clsCommandList& engine;
     clsDataList dataMemory;
     BlockVector<clsCommand> statements;
-    RunArena<std::uint32_t> slots;  // the statements' parameters: positions in the data memory
+    RunArena<ItemRecord*> slots;  // the statements' parameters
 };
 
 inline clsData clsCommand::ParamPtr(std::int32_t tIndex) const {
-    if (tIndex < 0 || tIndex >= boundCount_) refuseSlot(tIndex);
-    return script_->dataMemory.at(slots_[tIndex]);
+    return script_->dataMemory.itemOf(slotRecord(tIndex));
 }
 
 }  // namespace corvane

@@ -15,10 +15,6 @@ std::uint32_t hashIgnoringCase(std::u16string_view name) noexcept {
 
 }  // namespace
 
-std::size_t NameIndex::rank(std::int32_t typeCode) noexcept {
-    return static_cast<std::size_t>(std::find(codes.begin(), codes.end(), typeCode) - codes.begin());
-}
-
 NameIndex::Entry* NameIndex::lookUp(std::u16string_view name) const noexcept {
     if (table_.empty()) return nullptr;
     const std::uint32_t hash = hashIgnoringCase(name);

@@ -22,6 +22,15 @@ public:
     /// Whether `typeCode` is one of the codes that the index knows: 1, 2, 4, 8, 16, 130, 132.
     static bool knows(std::int32_t typeCode) noexcept { return rank(typeCode) < rankCount; }
 
+    /// Enters the item that stands last, of a known type, without a name.
+    void appendNameless(std::int32_t typeCode, std::uint32_t position) noexcept {
+        const std::size_t code = rank(typeCode);
+        if (unnamed_.first[code] == none)
+            unnamed_.first[code] = position;
+        else
+            unnamed_.several |= static_cast<std::uint8_t>(1U << code);
+    }
+
     /// Enters an item. `name` must stay alive and in place; `typeCode` is a known one. Throws std::bad_alloc.
     void insert(std::u16string_view name, std::int32_t typeCode, std::uint32_t position);
 
@@ -35,7 +44,17 @@ public:
 private:
     static constexpr std::size_t rankCount = 7;
     static constexpr std::array<std::int32_t, rankCount> codes = {1, 2, 4, 8, 16, 130, 132};
-    static std::size_t rank(std::int32_t typeCode) noexcept;
+    static constexpr std::int32_t highestCode = codes[rankCount - 1];
+    static constexpr std::array<std::uint8_t, highestCode + 1> ranks = [] {
+        std::array<std::uint8_t, highestCode + 1> table{};
+        table.fill(rankCount);
+        for (std::size_t i = 0; i < rankCount; ++i)
+            table[static_cast<std::size_t>(codes[i])] = static_cast<std::uint8_t>(i);
+        return table;
+    }();
+    static std::size_t rank(std::int32_t typeCode) noexcept {
+        return typeCode < 0 || typeCode > highestCode ? rankCount : ranks[static_cast<std::size_t>(typeCode)];
+    }
 
     struct Entry {
         std::u16string_view name;

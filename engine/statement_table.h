@@ -57,4 +57,13 @@ inline const StatementRow* findStatementRow(std::int32_t kind) {
     return &statementTable[static_cast<std::size_t>(kind - firstStatementKind)];
 }
 
+/// The executions of all rows by themselves: a run reads one of them a statement, and they lie close together.
+extern const std::array<Execution, statementKindCount> executionTable;
+
+/// How a kind is executed, or null for a kind that is no statement.
+inline const Execution* findExecution(std::int32_t kind) {
+    const auto position = static_cast<std::uint32_t>(kind - firstStatementKind);
+    return position < statementKindCount ? &executionTable[position] : nullptr;
+}
+
 }  // namespace corvane

@@ -22,6 +22,10 @@ inline std::u16string_view SplitAtEquals(std::u16string_view& text) { return Spl
 inline std::u16string_view SplitAtOpenBracket(std::u16string_view& text) { return SplitAtSeparator(text, u'('); }
 inline std::u16string_view SplitAtCloseBracket(std::u16string_view& text) { return SplitAtSeparator(text, u')'); }
 
+/// Takes the next parameter off the front of `text`, as NextParameter does, when it is a plainly written number
+/// (plainNumber in value_rules.h); most parameters are. Otherwise false, and `text` is as it was.
+bool NextPlainNumber(std::u16string_view& text, std::u16string_view& token, float& number);
+
 /// Whether the first and the last character are double quotes; one lone double quote is both.
 inline bool IsQuotedString(std::u16string_view token) {
     return !token.empty() && token.front() == doubleQuote && token.back() == doubleQuote;

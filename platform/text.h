@@ -32,6 +32,7 @@ public:
 
 private:
     friend class Value;
+    friend class ValueView;
     struct Buffer {
         std::uint32_t references;
         std::uint32_t length;

@@ -41,7 +41,7 @@ private:
 class Variant {
 public:
     Variant() noexcept { VariantInit(&variant_); }
-    explicit Variant(const Value& value);
+    explicit Variant(ValueView value);
     Variant(const Variant&) = delete;
     Variant& operator=(const Variant&) = delete;
     ~Variant() { VariantClear(&variant_); }
@@ -53,7 +53,7 @@ private:
     VARIANT variant_;
 };
 
-Variant::Variant(const Value& value) : Variant() {
+Variant::Variant(ValueView value) : Variant() {
     switch (value.type()) {
         case ValueType::Integer:
             V_I2(&variant_) = value.integer();
@@ -118,9 +118,9 @@ bool isReasonable(std::u16string_view text) {
            static_cast<std::ptrdiff_t>(mostExponentDigits);
 }
 
-bool isUnreasonableText(const Value& value) { return value.isText() && !isReasonable(value.textView()); }
+bool isUnreasonableText(ValueView value) { return value.isText() && !isReasonable(value.textView()); }
 
-bool isWhole(const Value& value) {
+bool isWhole(ValueView value) {
     return value.type() == ValueType::Integer || value.type() == ValueType::Long || value.type() == ValueType::Boolean;
 }
 
@@ -139,8 +139,8 @@ std::int32_t longOfText(std::u16string_view text, const NumberLocale& locale) {
 using Arithmetic = HRESULT(STDAPICALLTYPE*)(LPVARIANT, LPVARIANT, LPVARIANT);
 
 // The routines read texts under the user's locale, so texts become numbers before, under the locale that is asked for.
-Value calculate(Arithmetic routine, const Value& left, const Value& right, const NumberLocale& locale) {
-    const auto operand = [&locale](const Value& value) {
+Value calculate(Arithmetic routine, ValueView left, ValueView right, const NumberLocale& locale) {
+    const auto operand = [&locale](ValueView value) {
         if (!value.isText()) return value;
         double number = 0;
         check(VarR8FromStr(AutomationText(value.textView()).get(), locale.localeId, 0, &number));
@@ -171,7 +171,7 @@ bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
     return SUCCEEDED(VarR8FromStr(AutomationText(text).get(), locale.localeId, 0, &number));
 }
 
-float toSingle(const Value& value, const NumberLocale& locale) {
+float toSingle(ValueView value, const NumberLocale& locale) {
     if (isUnreasonableText(value)) return portable::toSingle(value, locale);
     float number = 0;
     switch (value.type()) {
@@ -190,7 +190,7 @@ float toSingle(const Value& value, const NumberLocale& locale) {
     throw automation_error(ErrorNumber::TypeMismatch);
 }
 
-std::int32_t toLong(const Value& value, const NumberLocale& locale) {
+std::int32_t toLong(ValueView value, const NumberLocale& locale) {
     if (isUnreasonableText(value)) return portable::toLong(value, locale);
     LONG number = 0;
     switch (value.type()) {
@@ -207,7 +207,7 @@ std::int32_t toLong(const Value& value, const NumberLocale& locale) {
     throw automation_error(ErrorNumber::TypeMismatch);
 }
 
-bool toBoolean(const Value& value, const NumberLocale& locale) {
+bool toBoolean(ValueView value, const NumberLocale& locale) {
     if (isUnreasonableText(value)) return portable::toBoolean(value, locale);
     VARIANT_BOOL truth = VARIANT_FALSE;
     switch (value.type()) {
@@ -224,7 +224,7 @@ bool toBoolean(const Value& value, const NumberLocale& locale) {
     throw automation_error(ErrorNumber::TypeMismatch);
 }
 
-Text toText(const Value& value, const NumberLocale& locale) {
+Text toText(ValueView value, const NumberLocale& locale) {
     AutomationText text;
     switch (value.type()) {
         case ValueType::Integer: check(VarBstrFromI2(value.integer(), locale.localeId, 0, text.out())); break;
@@ -240,20 +240,20 @@ Text toText(const Value& value, const NumberLocale& locale) {
     return withDecimalMark(text.view(), locale);
 }
 
-Value add(const Value& left, const Value& right, const NumberLocale& locale) {
+Value add(ValueView left, ValueView right, const NumberLocale& locale) {
     if (left.isText() && right.isText()) return Value::ofText(Text::join(left.textView(), right.textView()));
     if (isUnreasonableText(left) || isUnreasonableText(right)) return portable::add(left, right, locale);
     return calculate(VarAdd, left, right, locale);
 }
 
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale) {
     if (isUnreasonableText(left) || isUnreasonableText(right)) return portable::subtract(left, right, locale);
     // Some releases let a difference of whole numbers wrap around instead of giving it the next type.
     if (isWhole(left) && isWhole(right)) return portable::subtract(left, right, locale);
     return calculate(VarSub, left, right, locale);
 }
 
-std::weak_ordering compare(const Value& left, const Value& right) {
+std::weak_ordering compare(ValueView left, ValueView right) {
     // The routine compares texts in a locale's order; here code units decide.
     if (left.isText() || right.isText()) return portable::compare(left, right);
     Variant leftVariant(left);

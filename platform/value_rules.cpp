@@ -1,7 +1,6 @@
 // The door to the variant rules. What is answered here every set of rules decides the same way, and nothing is
-// allocated for it but a text that is the result: seven digits are exact in a double and, divided by a power of ten,
-// too far from the middle between two singles for any routine's last-place errors to matter. What is not a number (NaN)
-// is answered here because the routines of the platform's releases differ in it.
+// allocated for it but a text that is the result. What is not a number (NaN) is answered here because the routines of
+// the platform's releases differ in it.
 #include "platform/value_rules.h"
 
 #include <cmath>
@@ -14,40 +13,22 @@ namespace corvane {
 
 namespace {
 
-constexpr std::size_t exactDigits = 7;
-
 // `mark` and `otherMark` are decimal marks; 0 is none.
 std::optional<float> plainSingle(std::u16string_view text, char16_t mark, char16_t otherMark) {
-    static constexpr double powersOfTen[exactDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
     const bool isNegative = text.starts_with(u'-');
     if (isNegative) text.remove_prefix(1);
-    if (text.size() > exactDigits + 1) return std::nullopt;
-
-    std::uint32_t number = 0;
-    std::size_t digits = 0;
-    std::size_t wholeDigits = 0;
-    bool hasMark = false;
-    for (const char16_t unit : text) {
-        if (unit >= u'0' && unit <= u'9') {
-            number = number * 10 + (unit - u'0');
-            ++digits;
-            if (!hasMark) ++wholeDigits;
-        } else if (!hasMark && unit != 0 && (unit == mark || unit == otherMark)) {
-            hasMark = true;
-        } else {
-            return std::nullopt;
-        }
-    }
-    if (digits == 0 || digits > exactDigits) return std::nullopt;
-    const double magnitude = number / powersOfTen[digits - wholeDigits];
-    return static_cast<float>(isNegative ? -magnitude : magnitude);
+    PlainNumber number;
+    for (const char16_t unit : text)
+        if (!number.takes(unit, mark, otherMark)) return std::nullopt;
+    if (!number.isNumber()) return std::nullopt;
+    return number.single(isNegative);
 }
 
 char16_t decimalMarkOf(const NumberLocale& locale) {
     return locale.decimalMark.size() == 1 ? locale.decimalMark.front() : u'\0';
 }
 
-std::optional<float> smallNumber(const Value& value) {
+std::optional<float> smallNumber(ValueView value) {
     if (value.type() == ValueType::Single) return value.single();
     if (value.type() == ValueType::Integer) return value.integer();
     return std::nullopt;
@@ -55,7 +36,7 @@ std::optional<float> smallNumber(const Value& value) {
 
 // A sum or difference of the types that a script's counters have, unless it overflows.
 template <typename Operation>
-std::optional<Value> simpleResult(const Value& left, const Value& right, Operation operation) {
+std::optional<Value> simpleResult(ValueView left, ValueView right, Operation operation) {
     const bool areIntegers = left.type() == ValueType::Integer && right.type() == ValueType::Integer;
     const auto leftNumber = smallNumber(left);
     const auto rightNumber = smallNumber(right);
@@ -66,7 +47,7 @@ std::optional<Value> simpleResult(const Value& left, const Value& right, Operati
 }
 
 // The digits of a number that is written with digits alone: whole, and of no more digits than a single shows.
-std::optional<std::int32_t> wholeNumber(const Value& value) {
+std::optional<std::int32_t> wholeNumber(ValueView value) {
     if (value.type() == ValueType::Integer) return value.integer();
     if (value.type() == ValueType::Long) return value.longInteger();
     if (value.type() != ValueType::Single || !(std::abs(value.single()) < 1e7f)) return std::nullopt;
@@ -88,7 +69,7 @@ Text textOf(std::int32_t number) {
     return Text(std::u16string_view(begin, static_cast<std::size_t>(end - begin)));
 }
 
-bool isNotANumber(const Value& value) {
+bool isNotANumber(ValueView value) {
     return (value.type() == ValueType::Single && std::isnan(value.single())) ||
            (value.type() == ValueType::Double && std::isnan(value.doubleFloat()));
 }
@@ -115,7 +96,7 @@ std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& l
     return plainSingle(text, u'.', locale.decimalMark == u"," ? u',' : u'\0');
 }
 
-Text toText(const Value& value, const NumberLocale& locale) {
+Text toText(ValueView value, const NumberLocale& locale) {
     if (value.isText()) return value.text();
     if (const auto number = wholeNumber(value)) return textOf(*number);
     if (isNotANumber(value)) return Text(u"NAN");
@@ -124,7 +105,7 @@ Text toText(const Value& value, const NumberLocale& locale) {
 
 namespace unusual {
 
-float toSingle(const Value& value, const NumberLocale& locale) {
+float toSingle(ValueView value, const NumberLocale& locale) {
     if (const auto number = smallNumber(value)) return *number;
     if (value.isText()) {
         if (const auto number = plainSingle(value.textView(), decimalMarkOf(locale), u'\0')) return *number;
@@ -132,17 +113,17 @@ float toSingle(const Value& value, const NumberLocale& locale) {
     return platform_rules::toSingle(value, locale);
 }
 
-std::int32_t toLong(const Value& value, const NumberLocale& locale) {
+std::int32_t toLong(ValueView value, const NumberLocale& locale) {
     if (isNotANumber(value)) throw automation_error(ErrorNumber::Overflow);
     return platform_rules::toLong(value, locale);
 }
 
-Value add(const Value& left, const Value& right, const NumberLocale& locale) {
+Value add(ValueView left, ValueView right, const NumberLocale& locale) {
     if (auto sum = simpleResult(left, right, [](float a, float b) { return a + b; })) return *std::move(sum);
     return platform_rules::add(left, right, locale);
 }
 
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale) {
     if (auto difference = simpleResult(left, right, [](float a, float b) { return a - b; }))
         return *std::move(difference);
     return platform_rules::subtract(left, right, locale);

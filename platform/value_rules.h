@@ -29,73 +29,133 @@ bool beginsAsName(std::u16string_view text, const NumberLocale& locale);
 /// answers is what the numeric-text test and a conversion to single make of the text.
 std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale);
 
+/// Reads a plainly written number character by character.
+class PlainNumber {
+public:
+    /// Whether `unit` can stand next in one; after false, no more characters may be offered.
+    bool takes(char16_t unit, char16_t mark, char16_t otherMark = 0) {
+        const auto digit = static_cast<std::uint32_t>(unit - u'0');
+        if (digit <= 9 && digits_ < exactDigits) {
+            number_ = number_ * 10 + digit;
+            ++digits_;
+            return true;
+        }
+        if (hasMark_ || unit == 0 || (unit != mark && unit != otherMark)) return false;
+        hasMark_ = true;
+        wholeDigits_ = digits_;
+        return true;
+    }
+    bool isNumber() const { return digits_ != 0; }
+    /// Seven digits are exact in a double and, divided by a power of ten, too far from the middle between two singles
+    /// for any routine's last-place errors to matter.
+    float single(bool isNegative) const {
+        static constexpr double powersOfTen[exactDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
+        double magnitude = number_;
+        if (hasMark_) magnitude /= powersOfTen[digits_ - wholeDigits_];
+        return static_cast<float>(isNegative ? -magnitude : magnitude);
+    }
+
+private:
+    static constexpr std::uint32_t exactDigits = 7;
+    std::uint32_t number_ = 0;
+    std::uint32_t digits_ = 0;
+    std::uint32_t wholeDigits_ = 0;
+    bool hasMark_ = false;
+};
+
 namespace platform_rules {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
-float toSingle(const Value& value, const NumberLocale& locale);
-std::int32_t toLong(const Value& value, const NumberLocale& locale);
-bool toBoolean(const Value& value, const NumberLocale& locale);
-Text toText(const Value& value, const NumberLocale& locale);
-Value add(const Value& left, const Value& right, const NumberLocale& locale);
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
-std::weak_ordering compare(const Value& left, const Value& right);
+float toSingle(ValueView value, const NumberLocale& locale);
+std::int32_t toLong(ValueView value, const NumberLocale& locale);
+bool toBoolean(ValueView value, const NumberLocale& locale);
+Text toText(ValueView value, const NumberLocale& locale);
+Value add(ValueView left, ValueView right, const NumberLocale& locale);
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale);
+std::weak_ordering compare(ValueView left, ValueView right);
 }  // namespace platform_rules
 
 /// What the doors below do not answer at once.
 namespace unusual {
-float toSingle(const Value& value, const NumberLocale& locale);
-std::int32_t toLong(const Value& value, const NumberLocale& locale);
-Value add(const Value& left, const Value& right, const NumberLocale& locale);
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
+float toSingle(ValueView value, const NumberLocale& locale);
+std::int32_t toLong(ValueView value, const NumberLocale& locale);
+Value add(ValueView left, ValueView right, const NumberLocale& locale);
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale);
 }  // namespace unusual
 
-inline float toSingle(const Value& value, const NumberLocale& locale) {
+/// The conversions and sums that need no locale and cannot fail; each says itself of which values that is so.
+namespace everyday {
+
+inline bool isLong(ValueView value) {
+    return value.type() == ValueType::Long || value.type() == ValueType::Integer ||
+           (value.type() == ValueType::Single && std::abs(value.single()) < 2147483648.0F);
+}
+inline std::int32_t toLong(ValueView value) {
+    if (value.type() == ValueType::Long) return value.longInteger();
+    if (value.type() == ValueType::Integer) return value.integer();
+    // Adding it leaves a double no place for a fraction, so the sum is rounded, and half to even.
+    constexpr double wholeNumbersOnly = 6755399441055744.0;
+    return static_cast<std::int32_t>((value.single() + wholeNumbersOnly) - wholeNumbersOnly);
+}
+
+inline bool isBoolean(ValueView value) {
+    return value.type() == ValueType::Boolean || (value.type() == ValueType::Single && !std::isnan(value.single()));
+}
+inline bool toBoolean(ValueView value) {
+    return value.type() == ValueType::Boolean ? value.boolean() : value.single() != 0;
+}
+
+/// What a single and a single, or a 16-bit integer, make; none when that is infinite.
+template <typename Operation>
+std::optional<float> combine(ValueView left, ValueView right, Operation operation) {
+    if (left.type() != ValueType::Single) return std::nullopt;
+    if (right.type() != ValueType::Single && right.type() != ValueType::Integer) return std::nullopt;
+    const float other = right.type() == ValueType::Single ? right.single() : static_cast<float>(right.integer());
+    const float result = operation(left.single(), other);
+    if (!std::isfinite(result)) return std::nullopt;
+    return result;
+}
+inline std::optional<float> add(ValueView left, ValueView right) {
+    return combine(left, right, [](float a, float b) { return a + b; });
+}
+inline std::optional<float> subtract(ValueView left, ValueView right) {
+    return combine(left, right, [](float a, float b) { return a - b; });
+}
+
+}  // namespace everyday
+
+inline float toSingle(ValueView value, const NumberLocale& locale) {
     return value.type() == ValueType::Single ? value.single() : unusual::toSingle(value, locale);
 }
 
 /// Rounds half to even.
-inline std::int32_t toLong(const Value& value, const NumberLocale& locale) {
-    if (value.type() == ValueType::Long) return value.longInteger();
-    if (value.type() == ValueType::Integer) return value.integer();
-    if (value.type() == ValueType::Single && std::abs(value.single()) < 2147483648.0F) {
-        // Adding it leaves a double no place for a fraction, so the sum is rounded, and half to even.
-        constexpr double wholeNumbersOnly = 6755399441055744.0;
-        return static_cast<std::int32_t>((value.single() + wholeNumbersOnly) - wholeNumbersOnly);
-    }
-    return unusual::toLong(value, locale);
+inline std::int32_t toLong(ValueView value, const NumberLocale& locale) {
+    return everyday::isLong(value) ? everyday::toLong(value) : unusual::toLong(value, locale);
 }
 
 /// Any number but zero is true; a text is converted as the platform does ("True", "False", "#TRUE#" or a number).
-inline bool toBoolean(const Value& value, const NumberLocale& locale) {
-    if (value.type() == ValueType::Boolean) return value.boolean();
-    if (value.type() == ValueType::Single && !std::isnan(value.single())) return value.single() != 0;
-    return platform_rules::toBoolean(value, locale);
+inline bool toBoolean(ValueView value, const NumberLocale& locale) {
+    return everyday::isBoolean(value) ? everyday::toBoolean(value) : platform_rules::toBoolean(value, locale);
 }
 
 /// Numbers with the locale's decimal mark: 7 significant digits for a single, 15 for a double; "True" or "False".
-Text toText(const Value& value, const NumberLocale& locale);
+Text toText(ValueView value, const NumberLocale& locale);
 
 /// left + right. The result's type follows the operands (single and 16-bit integer: single; text counts as a double);
 /// a 16-bit sum that overflows becomes a Long, a 32-bit one or a single a Double. Two texts are joined.
-inline Value add(const Value& left, const Value& right, const NumberLocale& locale) {
-    if (left.type() == ValueType::Single && (right.type() == ValueType::Single || right.type() == ValueType::Integer)) {
-        const float sum = left.single() + (right.type() == ValueType::Single ? right.single() : right.integer());
-        if (std::isfinite(sum)) return Value::ofSingle(sum);
-    }
-    return unusual::add(left, right, locale);
+inline Value add(ValueView left, ValueView right, const NumberLocale& locale) {
+    const auto sum = everyday::add(left, right);
+    return sum ? Value::ofSingle(*sum) : unusual::add(left, right, locale);
 }
 
 /// left - right, under the rules of `add`; but two texts are subtracted as numbers, and a single stays a single.
-inline Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
-    if (left.type() == ValueType::Single && (right.type() == ValueType::Single || right.type() == ValueType::Integer)) {
-        const float difference = left.single() - (right.type() == ValueType::Single ? right.single() : right.integer());
-        if (std::isfinite(difference)) return Value::ofSingle(difference);
-    }
-    return unusual::subtract(left, right, locale);
+inline Value subtract(ValueView left, ValueView right, const NumberLocale& locale) {
+    const auto difference = everyday::subtract(left, right);
+    return difference ? Value::ofSingle(*difference) : unusual::subtract(left, right, locale);
 }
 
 /// Numbers by value (a double beside a single in a single's precision), texts by code unit; any number is less than any
 /// text. What is not a number is greater than every number, itself included, on either side.
-inline std::weak_ordering compare(const Value& left, const Value& right) {
+inline std::weak_ordering compare(ValueView left, ValueView right) {
     if (left.type() == ValueType::Single && right.type() == ValueType::Single) {
         if (left.single() < right.single()) return std::weak_ordering::less;
         return left.single() == right.single() ? std::weak_ordering::equivalent : std::weak_ordering::greater;
@@ -105,13 +165,13 @@ inline std::weak_ordering compare(const Value& left, const Value& right) {
 
 namespace portable {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
-float toSingle(const Value& value, const NumberLocale& locale);
-std::int32_t toLong(const Value& value, const NumberLocale& locale);
-bool toBoolean(const Value& value, const NumberLocale& locale);
-Text toText(const Value& value, const NumberLocale& locale);
-Value add(const Value& left, const Value& right, const NumberLocale& locale);
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale);
-std::weak_ordering compare(const Value& left, const Value& right);
+float toSingle(ValueView value, const NumberLocale& locale);
+std::int32_t toLong(ValueView value, const NumberLocale& locale);
+bool toBoolean(ValueView value, const NumberLocale& locale);
+Text toText(ValueView value, const NumberLocale& locale);
+Value add(ValueView left, ValueView right, const NumberLocale& locale);
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale);
+std::weak_ordering compare(ValueView left, ValueView right);
 }  // namespace portable
 
 }  // namespace corvane

@@ -374,7 +374,7 @@ Text textOfWholeNumber(std::int32_t number) {
 // The types that a result can have, each including those before it.
 enum class Rank { Integer, Long, Single, Double };
 
-Rank rankOf(const Value& value) {
+Rank rankOf(ValueView value) {
     switch (value.type()) {
         case ValueType::Integer:
         case ValueType::Boolean: return Rank::Integer;
@@ -387,7 +387,7 @@ Rank rankOf(const Value& value) {
     failMismatch();
 }
 
-Rank commonRank(const Value& left, const Value& right) {
+Rank commonRank(ValueView left, ValueView right) {
     const Rank leftRank = rankOf(left);
     const Rank rightRank = rankOf(right);
     const auto [low, high] = std::minmax(leftRank, rightRank);
@@ -397,7 +397,7 @@ Rank commonRank(const Value& left, const Value& right) {
 }
 
 // Of anything but a text.
-double numberOf(const Value& value) {
+double numberOf(ValueView value) {
     switch (value.type()) {
         case ValueType::Integer: return value.integer();
         case ValueType::Long: return value.longInteger();
@@ -410,11 +410,11 @@ double numberOf(const Value& value) {
     failMismatch();
 }
 
-double numberOf(const Value& value, const NumberLocale& locale) {
+double numberOf(ValueView value, const NumberLocale& locale) {
     return value.isText() ? doubleOfText(value.textView(), locale) : numberOf(value);
 }
 
-std::int32_t wholeNumberOf(const Value& value) {
+std::int32_t wholeNumberOf(ValueView value) {
     switch (value.type()) {
         case ValueType::Long: return value.longInteger();
         case ValueType::Boolean: return value.boolean() ? -1 : 0;
@@ -438,7 +438,7 @@ float nearestSingle(double value) {
 }
 
 // A number beside a single is compared in a single's precision, as long as it has a place there.
-bool comparesAsSingle(const Value& left, const Value& right, double leftNumber, double rightNumber) {
+bool comparesAsSingle(ValueView left, ValueView right, double leftNumber, double rightNumber) {
     if (left.type() != ValueType::Single && right.type() != ValueType::Single) return false;
     return std::abs(leftNumber) < singleOverflow && std::abs(rightNumber) < singleOverflow;
 }
@@ -450,7 +450,7 @@ bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
     return number && toDouble(*number);
 }
 
-float toSingle(const Value& value, const NumberLocale& locale) {
+float toSingle(ValueView value, const NumberLocale& locale) {
     switch (value.type()) {
         case ValueType::Single: return value.single();
         case ValueType::Text: return singleOfText(value.textView(), locale);
@@ -459,17 +459,17 @@ float toSingle(const Value& value, const NumberLocale& locale) {
     }
 }
 
-std::int32_t toLong(const Value& value, const NumberLocale& locale) {
+std::int32_t toLong(ValueView value, const NumberLocale& locale) {
     if (value.isText()) return longOfText(value.textView(), locale);
     return longOfDouble(numberOf(value));
 }
 
-bool toBoolean(const Value& value, const NumberLocale& locale) {
+bool toBoolean(ValueView value, const NumberLocale& locale) {
     if (value.isText()) return booleanOfText(value.textView(), locale);
     return numberOf(value) != 0;
 }
 
-Text toText(const Value& value, const NumberLocale& locale) {
+Text toText(ValueView value, const NumberLocale& locale) {
     switch (value.type()) {
         case ValueType::Integer: return textOfWholeNumber(value.integer());
         case ValueType::Long: return textOfWholeNumber(value.longInteger());
@@ -482,7 +482,7 @@ Text toText(const Value& value, const NumberLocale& locale) {
     failMismatch();
 }
 
-Value add(const Value& left, const Value& right, const NumberLocale& locale) {
+Value add(ValueView left, ValueView right, const NumberLocale& locale) {
     if (left.isText() && right.isText()) return Value::ofText(Text::join(left.textView(), right.textView()));
     const Rank rank = commonRank(left, right);
     if (rank <= Rank::Long) return wholeResult(std::int64_t{wholeNumberOf(left)} + wholeNumberOf(right), rank);
@@ -493,7 +493,7 @@ Value add(const Value& left, const Value& right, const NumberLocale& locale) {
     return Value::ofSingle(static_cast<float>(sum));
 }
 
-Value subtract(const Value& left, const Value& right, const NumberLocale& locale) {
+Value subtract(ValueView left, ValueView right, const NumberLocale& locale) {
     const Rank rank = commonRank(left, right);
     if (rank <= Rank::Long) return wholeResult(std::int64_t{wholeNumberOf(left)} - wholeNumberOf(right), rank);
     const double leftNumber = numberOf(left, locale);
@@ -503,7 +503,7 @@ Value subtract(const Value& left, const Value& right, const NumberLocale& locale
     return Value::ofSingle(nearestSingle(difference));
 }
 
-std::weak_ordering compare(const Value& left, const Value& right) {
+std::weak_ordering compare(ValueView left, ValueView right) {
     if (left.type() == ValueType::Object || right.type() == ValueType::Object) failMismatch();
     if (left.isText() && right.isText()) return left.textView() <=> right.textView();
     if (left.isText()) return std::weak_ordering::greater;

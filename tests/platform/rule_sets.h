@@ -21,13 +21,13 @@ namespace test {
 struct RuleSet {
     const char* name;
     bool (*isNumeric)(std::u16string_view, const NumberLocale&);
-    float (*toSingle)(const Value&, const NumberLocale&);
-    std::int32_t (*toLong)(const Value&, const NumberLocale&);
-    bool (*toBoolean)(const Value&, const NumberLocale&);
-    Text (*toText)(const Value&, const NumberLocale&);
-    Value (*add)(const Value&, const Value&, const NumberLocale&);
-    Value (*subtract)(const Value&, const Value&, const NumberLocale&);
-    std::weak_ordering (*compare)(const Value&, const Value&);
+    float (*toSingle)(ValueView, const NumberLocale&);
+    std::int32_t (*toLong)(ValueView, const NumberLocale&);
+    bool (*toBoolean)(ValueView, const NumberLocale&);
+    Text (*toText)(ValueView, const NumberLocale&);
+    Value (*add)(ValueView, ValueView, const NumberLocale&);
+    Value (*subtract)(ValueView, ValueView, const NumberLocale&);
+    std::weak_ordering (*compare)(ValueView, ValueView);
 };
 
 inline void PrintTo(const RuleSet& rules, std::ostream* out) { *out << rules.name; }
@@ -51,7 +51,7 @@ inline std::string printable(std::u16string_view text) {
     return printed + '"';
 }
 
-inline std::string printable(const Value& value) {
+inline std::string printable(ValueView value) {
     char buffer[64];
     switch (value.type()) {
         case ValueType::Integer: return "Integer " + std::to_string(value.integer());
@@ -109,27 +109,26 @@ inline bool areSame(const Outcome& left, const Outcome& right, double tolerance 
 inline Outcome isNumericOutcome(const RuleSet& rules, std::u16string_view text, const NumberLocale& locale) {
     return {Value::ofBoolean(rules.isNumeric(text, locale)), 0};
 }
-inline Outcome toSingleOutcome(const RuleSet& rules, const Value& value, const NumberLocale& locale) {
+inline Outcome toSingleOutcome(const RuleSet& rules, ValueView value, const NumberLocale& locale) {
     return outcomeOf([&] { return Value::ofSingle(rules.toSingle(value, locale)); });
 }
-inline Outcome toLongOutcome(const RuleSet& rules, const Value& value, const NumberLocale& locale) {
+inline Outcome toLongOutcome(const RuleSet& rules, ValueView value, const NumberLocale& locale) {
     return outcomeOf([&] { return Value::ofLong(rules.toLong(value, locale)); });
 }
-inline Outcome toBooleanOutcome(const RuleSet& rules, const Value& value, const NumberLocale& locale) {
+inline Outcome toBooleanOutcome(const RuleSet& rules, ValueView value, const NumberLocale& locale) {
     return outcomeOf([&] { return Value::ofBoolean(rules.toBoolean(value, locale)); });
 }
-inline Outcome toTextOutcome(const RuleSet& rules, const Value& value, const NumberLocale& locale) {
+inline Outcome toTextOutcome(const RuleSet& rules, ValueView value, const NumberLocale& locale) {
     return outcomeOf([&] { return Value::ofText(rules.toText(value, locale)); });
 }
-inline Outcome addOutcome(const RuleSet& rules, const Value& left, const Value& right, const NumberLocale& locale) {
+inline Outcome addOutcome(const RuleSet& rules, ValueView left, ValueView right, const NumberLocale& locale) {
     return outcomeOf([&] { return rules.add(left, right, locale); });
 }
-inline Outcome subtractOutcome(const RuleSet& rules, const Value& left, const Value& right,
-                               const NumberLocale& locale) {
+inline Outcome subtractOutcome(const RuleSet& rules, ValueView left, ValueView right, const NumberLocale& locale) {
     return outcomeOf([&] { return rules.subtract(left, right, locale); });
 }
 /// -1, 0 or 1 as a Long.
-inline Outcome compareOutcome(const RuleSet& rules, const Value& left, const Value& right) {
+inline Outcome compareOutcome(const RuleSet& rules, ValueView left, ValueView right) {
     return outcomeOf([&] {
         const std::weak_ordering order = rules.compare(left, right);
         return Value::ofLong(order < 0 ? -1 : order > 0 ? 1 : 0);
