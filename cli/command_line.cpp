@@ -6,6 +6,7 @@
 #include <map>
 #include <ostream>
 
+#include "cli/locale_window.h"
 #include "cli/script_check.h"
 #include "cli/table_window.h"
 #include "cli/window_dialogs.h"
@@ -116,6 +117,18 @@ CLI::App* addCatalogue(CLI::App& program, CatalogueOptions& options) {
     return command;
 }
 
+CLI::App* addLocale(CLI::App& program, LocaleOptions& options) {
+    CLI::App* command =
+        program.add_subcommand("locale", "What the component knows of your regional settings and of the system");
+    command->add_option("ID", options.id, "The locale's number; without it yours")
+        ->option_text(" ")
+        ->check(CLI::Range(std::int32_t{0}, std::numeric_limits<std::int32_t>::max()));
+    addJson(*command, options.json);
+    if (hasLocaleWindow())
+        command->add_flag("--windows", options.windows, "Show it in a window until that is closed")->excludes("--json");
+    return command;
+}
+
 int reportUsage(const CLI::App& program, const CLI::ParseError& error, const Surroundings& surroundings) {
     const std::vector<std::string> unknown = program.remaining();
     // The library would only say that a command is missing.
@@ -142,10 +155,12 @@ ExitCode runCommandLine(const std::vector<std::string>& arguments, const Surroun
     ListOptions list;
     ShowOptions show;
     CatalogueOptions catalogue;
+    LocaleOptions locale;
     const CLI::App* const runs = addRun(program, run);
     const CLI::App* const checks = addCheck(program, check);
     const CLI::App* const lists = addList(program, list);
     const CLI::App* const shows = addShow(program, show);
+    const CLI::App* const locales = addLocale(program, locale);
     addCatalogue(program, catalogue);
     try {
         program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
@@ -156,6 +171,7 @@ ExitCode runCommandLine(const std::vector<std::string>& arguments, const Surroun
     if (checks->parsed()) return checkCommand(check, surroundings);
     if (lists->parsed()) return listCommand(list, surroundings);
     if (shows->parsed()) return showCommand(show, surroundings);
+    if (locales->parsed()) return localeCommand(locale, surroundings);
     return catalogueCommand(catalogue, surroundings);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/exit_code.h"
+#include "platform/clsLocale.h"
 #include "platform/number_locale.h"
 
 /// The subcommands, one source file each. Names of files and all texts are UTF-8.
@@ -72,6 +73,13 @@ struct CatalogueOptions {
     bool json = false;
 };
 ExitCode catalogueCommand(const CatalogueOptions& options, const Surroundings& surroundings);
+
+struct LocaleOptions {
+    std::int32_t id = omittedLocale;
+    bool json = false;
+    bool windows = false;  ///< show a window instead of writing
+};
+ExitCode localeCommand(const LocaleOptions& options, const Surroundings& surroundings);
 
 /// Reads a script and sees to it that it has no fault; otherwise says on `errors` what is wrong, and sets `exitCode`.
 std::optional<std::u16string> acceptedScript(const std::string& path, const ChosenLocale& locale,

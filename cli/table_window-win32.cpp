@@ -1,12 +1,9 @@
-#include <windows.h>
-
 #include "cli/table_window.h"
+#include "cli/window-win32.h"
 // After windows.h, which it needs.
 #include <commctrl.h>
 
 #include <algorithm>
-#include <iterator>
-#include <memory>
 
 #include "platform/desktop-win32.h"
 
@@ -21,6 +18,10 @@ public:
     explicit ListWindowTable(HWND list) : list_(list) {
         constexpr DWORD look = LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES;
         SendMessageW(list_, LVM_SETEXTENDEDLISTVIEWSTYLE, look, look);
+        // Some systems leave a header less room for its margins than they draw them with, and cut its text.
+        constexpr WPARAM narrowMargin = 4;
+        const auto header = reinterpret_cast<HWND>(SendMessageW(list_, LVM_GETHEADER, 0, 0));
+        SendMessageW(header, HDM_SETBITMAPMARGIN, narrowMargin, 0);
     }
 
     void prepare() override {
@@ -41,9 +42,12 @@ public:
         setText(LVM_INSERTITEMW, 0, text);
     }
     void setSubItem(int column, std::u16string_view text) override { setText(LVM_SETITEMW, column, text); }
+    // The last column would get what is left of the list's width, which may be less than it needs or nothing.
     void fitColumns() override {
-        for (WPARAM column = 0; column < columns_; ++column)
+        addColumn({});
+        for (WPARAM column = 0; column + 1 < columns_; ++column)
             SendMessageW(list_, LVM_SETCOLUMNWIDTH, column, LVSCW_AUTOSIZE_USEHEADER);
+        SendMessageW(list_, LVM_DELETECOLUMN, --columns_, 0);
     }
 
 private:
@@ -92,64 +96,29 @@ INT_PTR CALLBACK handleMessage(HWND window, UINT message, WPARAM first, LPARAM) 
     }
 }
 
-HWND addControl(HWND window, Control id, const wchar_t* kind, const wchar_t* text, DWORD style) {
-    const HWND control = CreateWindowExW(0, kind, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, window,
-                                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
-    SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(window, WM_GETFONT, 0, 0)), FALSE);
-    return control;
-}
-
 HWND addList(HWND window, Control id) {
-    return addControl(window, id, WC_LISTVIEWW, L"",
+    return addControl(window, id, WC_LISTVIEWW, u"",
                       WS_BORDER | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL);
 }
-
-HWND createWindow() {
-    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};
-    InitCommonControlsEx(&classes);
-    struct {
-        alignas(DWORD) DLGTEMPLATE dialog;
-        WORD menu, windowClass, title, fontSize;
-        wchar_t font[13];
-    } shape{};
-    shape.dialog.style = WS_OVERLAPPEDWINDOW | DS_SHELLFONT | DS_CENTER;
-    shape.dialog.cx = 440;
-    shape.dialog.cy = 300;
-    shape.fontSize = 8;
-    lstrcpyW(shape.font, L"MS Shell Dlg");
-    return CreateDialogIndirectParamW(ownModule(), &shape.dialog, nullptr, handleMessage, 0);
-}
-
-struct WindowDeleter {
-    using pointer = HWND;
-    void operator()(HWND window) const { DestroyWindow(window); }
-};
 
 }  // namespace
 
 bool hasTableWindow() { return true; }
 
 bool showTableWindow(clsCommandList& commandList, std::u16string_view title) {
-    if (!hasDesktop()) return false;
-    // One that the user has closed is not there any more; closing it once more does nothing.
-    const std::unique_ptr<HWND, WindowDeleter> window(createWindow());
+    const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&classes);
+    const Window window = createWindow(title, WS_OVERLAPPEDWINDOW, 440, 300, handleMessage);
     if (!window) return false;
-    SetWindowTextW(window.get(), windowText(title).c_str());
-    addControl(window.get(), statementsLabel, WC_STATICW, L"&Statements", 0);
-    ListWindowTable statements(addList(window.get(), statementsList));
-    addControl(window.get(), identifiersLabel, WC_STATICW, L"&Identifiers", 0);
-    ListWindowTable identifiers(addList(window.get(), identifiersList));
+    addControl(window.get(), statementsLabel, WC_STATICW, u"&Statements", 0);
+    const HWND statementsShown = addList(window.get(), statementsList);
+    addControl(window.get(), identifiersLabel, WC_STATICW, u"&Identifiers", 0);
+    const HWND identifiersShown = addList(window.get(), identifiersList);
     layOut(window.get());
+    ListWindowTable statements(statementsShown);
+    ListWindowTable identifiers(identifiersShown);
     commandList.DisplayDataInListViews(&statements, &identifiers);
-    ShowWindow(window.get(), SW_SHOWNORMAL);
-    SetFocus(GetDlgItem(window.get(), statementsList));
-
-    MSG message;
-    while (IsWindow(window.get()) != FALSE && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (IsDialogMessageW(window.get(), &message) != FALSE) continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
+    showUntilClosed(window.get(), statementsShown);
     return true;
 }
 

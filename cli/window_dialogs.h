@@ -10,7 +10,7 @@ namespace corvane {
 /// Whether this system can show the component's dialogs as windows.
 bool hasWindowDialogs();
 
-/// The operator dialogs as windows; null where there are none.
+/// The operator dialogs as windows, the input box over the console that the program runs in; null where there are none.
 std::unique_ptr<OperatorDialogs> makeWindowDialogs(const NumberLocale& locale);
 
 }  // namespace corvane

@@ -23,6 +23,12 @@ std::u16string applicationTitle();
 /// Whether the calling thread has been asked to quit. The request stays in the queue for the host's own loop.
 bool isToQuit();
 
+/// How forms of automation hosts measure where they are.
+inline constexpr double twipsPerInch = 1440;
+
+/// The pixels of an inch on the screen, as all windows of the program take them that know of one resolution only.
+int systemDpi();
+
 /// The module, program or DLL, that holds this code.
 HINSTANCE ownModule();
 

@@ -18,6 +18,7 @@
 #include "platform/floating_point.h"
 #include "ui/input_rules.h"
 #include "ui/late_bound-win32.h"
+#include "ui/live_region-win32.h"
 #include "ui/placement.h"
 
 namespace corvane {
@@ -25,16 +26,8 @@ namespace {
 
 // ------------------------------------------------------------------------------------------------- the owner, by name
 
-constexpr double twipsPerInch = 1440;
 // Beyond every screen, and harmless to calculate with.
 constexpr double farAway = 1e6;
-
-int systemDpi() {
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return dpi > 0 ? dpi : USER_DEFAULT_SCREEN_DPI;
-}
 
 // Where the system puts what is minimised is less than this, in pixels; no screen is there.
 constexpr int minimised = -20000;
@@ -263,7 +256,10 @@ private:
     HWND createControl(const wchar_t* kind, Form::Control id, const std::wstring& text, DWORD style,
                        DWORD extendedStyle = 0);
     void createEntry(Form::Control id, const std::wstring& text);
+    Form::Control unusedEntry() const { return asksNumber() ? Form::txtStrValue : Form::txtNumValue; }
+    bool mustQuestionScroll() const;
     void createQuestion();
+    void fillScrolledQuestion() const;
     void addToolTip();
     void setFonts();
     int contentWidth() const;
@@ -274,7 +270,12 @@ private:
     void layOut();
     void place(Form::Control id, int left, int top, int width, int height) const;
     void setClientSize(int width, int height) const;
+    SIZE frame() const;
+    int highestQuestion() const { return screen_.height / 2; }
+    void standOver(const ScreenArea& place);
+    std::optional<ScreenArea> ownerArea() const;
     void CenterForm() const;
+    void changeResolution(int dpi, const ScreenArea& proposed);
     void showState();
     std::optional<LabelLook> lookOf(HWND label) const;
     void close(bool isAccepted);
@@ -287,8 +288,12 @@ private:
     WNDPROC entryBefore_ = nullptr;
     int dpi_ = USER_DEFAULT_SCREEN_DPI;
     std::optional<Fonts> fonts_;
+    ScreenArea place_;   // what the window stands over
+    ScreenArea screen_;  // of the screen that `place_` is on, what no task bar covers
     std::wstring questionText_;
     bool questionScrolls_ = false;
+    std::optional<LiveRegion> reasonSaid_;
+    Correction correctionSaid_ = Correction::None;
     bool isClosed_ = false;
     std::exception_ptr failure_;
 };
@@ -337,13 +342,15 @@ void InputWindow::open(HWND window) {
     keepFromStretching(window_);
     dpi_ = dpiOf(window_);
     fonts_.emplace(dpi_);
+    RECT rectangle{};
+    GetWindowRect(window_, &rectangle);
+    standOver(ownerArea().value_or(workArea(areaOf(rectangle))));
     questionText_ = windowText(rules_.question());
     setText(window_, rules_.title());
     createControls();
     showState();
     layOut();
-    // Only now: a narrower control would break the text into many more lines.
-    if (questionScrolls_) SetWindowTextW(control(Form::lblQuestion), withPairedLineEnds(questionText_).c_str());
+    fillScrolledQuestion();
     CenterForm();
     if (owner_ == nullptr) SetForegroundWindow(window_);
     SetFocus(entry());
@@ -359,17 +366,13 @@ INT_PTR InputWindow::handle(UINT message, WPARAM first, LPARAM second) {
             SetBkColor(context, GetSysColor(COLOR_BTNFACE));
             return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
         }
-        case WM_DPICHANGED: {
-            dpi_ = HIWORD(first);
-            fonts_.emplace(dpi_);
-            setFonts();
-            layOut();
-            const RECT& proposed = *reinterpret_cast<const RECT*>(second);
-            SetWindowPos(window_, nullptr, proposed.left, proposed.top, 0, 0,
-                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        case WM_DPICHANGED:
+            changeResolution(HIWORD(first), areaOf(*reinterpret_cast<const RECT*>(second)));
             return TRUE;
-        }
-        case WM_DESTROY: RemovePropW(window_, openMark); return TRUE;
+        case WM_DESTROY:
+            reasonSaid_.reset();
+            RemovePropW(window_, openMark);
+            return TRUE;
         default: return FALSE;
     }
 }
@@ -434,12 +437,12 @@ HWND InputWindow::createControl(const wchar_t* kind, Form::Control id, const std
 void InputWindow::createControls() {
     constexpr DWORD label = WS_VISIBLE | SS_LEFT | SS_NOPREFIX;
     constexpr DWORD line = WS_VISIBLE | SS_LEFTNOWORDWRAP | SS_NOPREFIX;
-    createEntry(asksNumber() ? Form::txtStrValue : Form::txtNumValue, {});
+    createEntry(unusedEntry(), {});
     createQuestion();
     createEntry(asksNumber() ? Form::txtNumValue : Form::txtStrValue, windowText(rules_.initialText()));
     createControl(WC_STATICW, Form::lblValueCaption, L"Value:", label);
     createControl(WC_STATICW, Form::lblReturnValue, {}, line | SS_ENDELLIPSIS | SS_NOTIFY);
-    createControl(WC_STATICW, Form::lblReason, {}, line);
+    reasonSaid_.emplace(createControl(WC_STATICW, Form::lblReason, {}, line));
     createControl(WC_STATICW, Form::lblRange, windowText(rules_.rangeText()), SS_LEFTNOWORDWRAP | SS_NOPREFIX);
     createControl(WC_BUTTONW, Form::cmdOK, L"&OK", WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON);
     createControl(WC_BUTTONW, Form::cmdCancel, L"&Cancel", WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON);
@@ -459,19 +462,40 @@ void InputWindow::createEntry(Form::Control id, const std::wstring& text) {
     createControl(WC_EDITW, id, text, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE);
 }
 
-// A question that no screen is high enough for gets a scroll bar.
-void InputWindow::createQuestion() {
+bool InputWindow::mustQuestionScroll() const {
     constexpr std::size_t alwaysScrolled = 4096;
-    RECT client{};
-    GetClientRect(GetDesktopWindow(), &client);
-    const int highest = client.bottom / 2;
-    questionScrolls_ = questionText_.size() > alwaysScrolled || questionHeight(contentWidth()) > highest;
-    if (questionScrolls_)
-        createControl(WC_EDITW, Form::lblQuestion, {},
-                      WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, WS_EX_CLIENTEDGE);
-    else
-        createControl(WC_STATICW, Form::lblQuestion, questionText_,
-                      WS_VISIBLE | SS_LEFT | SS_NOPREFIX | SS_EDITCONTROL);
+    return questionText_.size() > alwaysScrolled || questionHeight(contentWidth()) > highestQuestion();
+}
+
+// A question that no screen is high enough for gets a scroll bar. It is no label any more then, so that the entry would
+// have no name: a label that nobody sees gives it one.
+void InputWindow::createQuestion() {
+    constexpr std::size_t longestName = 200;
+    questionScrolls_ = mustQuestionScroll();
+    DestroyWindow(control(Form::lblQuestion));
+    DestroyWindow(control(Form::lblEntryName));
+    const auto putBehind = [this](HWND created, Form::Control id) {
+        SetWindowPos(created, control(id), 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    };
+    if (!questionScrolls_) {
+        putBehind(createControl(WC_STATICW, Form::lblQuestion, questionText_,
+                                WS_VISIBLE | SS_LEFT | SS_NOPREFIX | SS_EDITCONTROL),
+                  unusedEntry());
+        return;
+    }
+    putBehind(createControl(WC_EDITW, Form::lblQuestion, {},
+                            WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, WS_EX_CLIENTEDGE),
+              unusedEntry());
+    putBehind(createControl(WC_STATICW, Form::lblEntryName, questionText_.substr(0, longestName),
+                            WS_VISIBLE | SS_LEFT | SS_NOPREFIX),
+              Form::lblQuestion);
+}
+
+// After the layout: a narrower control would break the text into many more lines.
+void InputWindow::fillScrolledQuestion() const {
+    const HWND question = control(Form::lblQuestion);
+    if (questionScrolls_ && GetWindowTextLengthW(question) == 0)
+        SetWindowTextW(question, withPairedLineEnds(questionText_).c_str());
 }
 
 void InputWindow::addToolTip() {
@@ -515,6 +539,7 @@ void InputWindow::showState() {
     const Font& reasonFont = rules_.reasonLook().bold ? fonts_->boldLabel : fonts_->label;
     SendMessageW(control(Form::lblReason), WM_SETFONT, reinterpret_cast<WPARAM>(reasonFont.get()), TRUE);
     ShowWindow(control(Form::lblRange), rules_.isRangeVisible() ? SW_SHOWNA : SW_HIDE);
+    if (std::exchange(correctionSaid_, rules_.correction()) != rules_.correction()) reasonSaid_->announce();
 }
 
 // -------------------------------------------------------------------------------------------------------------- layout
@@ -557,7 +582,8 @@ int InputWindow::contentWidth() const {
     constexpr std::size_t shortQuestion = 120;
     constexpr std::size_t longQuestion = 400;
     const std::size_t length = questionText_.size();
-    const int width = scaled(length <= shortQuestion ? narrow : length <= longQuestion ? wide : widest);
+    const int wanted = scaled(length <= shortQuestion ? narrow : length <= longQuestion ? wide : widest);
+    const int width = std::min(wanted, screen_.width - static_cast<int>(frame().cx) - 2 * scaled(margin));
     const int range = TextMeasure(window_, fonts_->label).width(windowText(rules_.rangeText()));
     // The longest text of a number; a string's is cut off.
     const int value = TextMeasure(window_, fonts_->boldLabel).width(L"-1.234567E-30 ");
@@ -577,7 +603,8 @@ void InputWindow::layOut() {
     constexpr int scrolledLines = 16;
 
     int top = left;
-    const int questionLines = questionScrolls_ ? scrolledLines * lineHeight : questionHeight(width);
+    const int questionLines =
+        questionScrolls_ ? std::min(scrolledLines * lineHeight, highestQuestion()) : questionHeight(width);
     place(Form::lblQuestion, left, top, width, questionLines);
     top += questionLines + scaled(smallGap);
 
@@ -604,26 +631,57 @@ void InputWindow::layOut() {
     setClientSize(left + width + left, top + buttonHeight + left);
 }
 
-// The frame is as wide as the window has it now.
-void InputWindow::setClientSize(int width, int height) const {
+// What the frame adds to the size, as the window has it now.
+SIZE InputWindow::frame() const {
     RECT outside{};
     RECT inside{};
     GetWindowRect(window_, &outside);
     GetClientRect(window_, &inside);
-    SetWindowPos(window_, nullptr, 0, 0, width + areaOf(outside).width - areaOf(inside).width,
-                 height + areaOf(outside).height - areaOf(inside).height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    return {areaOf(outside).width - areaOf(inside).width, areaOf(outside).height - areaOf(inside).height};
 }
 
-void InputWindow::CenterForm() const {
+void InputWindow::setClientSize(int width, int height) const {
+    const SIZE around = frame();
+    SetWindowPos(window_, nullptr, 0, 0, width + around.cx, height + around.cy,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void InputWindow::standOver(const ScreenArea& place) {
+    place_ = place;
+    screen_ = workArea(place);
+}
+
+std::optional<ScreenArea> InputWindow::ownerArea() const {
     std::optional<ScreenArea> owner = ownerForm_ != nullptr ? areaOfForm(ownerForm_) : std::nullopt;
     RECT rectangle{};
     if (!owner && owner_ != nullptr && IsIconic(owner_) == FALSE && GetWindowRect(owner_, &rectangle) != FALSE)
         owner = areaOf(rectangle);
+    return owner;
+}
+
+void InputWindow::CenterForm() const {
+    RECT rectangle{};
     GetWindowRect(window_, &rectangle);
-    const ScreenArea screen = workArea(owner.value_or(areaOf(rectangle)));
-    const ScreenArea centred = centredOver(owner.value_or(screen), areaOf(rectangle).width, areaOf(rectangle).height);
-    const ScreenArea area = keptWithin(screen, centred);
+    const ScreenArea centred = centredOver(place_, areaOf(rectangle).width, areaOf(rectangle).height);
+    const ScreenArea area = keptWithin(screen_, centred);
     SetWindowPos(window_, nullptr, area.left, area.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// A window that is seen has been moved by somebody, or its screen has changed: it stays where it is. One that is not
+// yet seen is on its way to its place.
+void InputWindow::changeResolution(int dpi, const ScreenArea& proposed) {
+    dpi_ = dpi;
+    fonts_.emplace(dpi_);
+    if (IsWindowVisible(window_) != FALSE) standOver(proposed);
+    if (mustQuestionScroll() != questionScrolls_) {
+        const bool hadFocus = GetFocus() == control(Form::lblQuestion);
+        createQuestion();
+        if (hadFocus) SetFocus(entry());
+    }
+    setFonts();
+    layOut();
+    fillScrolledQuestion();
+    CenterForm();
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ public:
         lblReturnValue,
         lblReason,
         lblValueCaption,
+        lblEntryName,  ///< names the entry for screen readers where the question is too long for a label
     };
 
     /// `locale` is how numbers are written and which key is the decimal separator's.

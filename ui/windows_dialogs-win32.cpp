@@ -6,7 +6,8 @@
 
 namespace corvane {
 
-WindowsDialogs::WindowsDialogs(std::optional<NumberLocale> locale) : locale_(std::move(locale)) {}
+WindowsDialogs::WindowsDialogs(std::optional<NumberLocale> locale, IDispatch* ownerForm)
+    : locale_(std::move(locale)), ownerForm_(ownerForm) {}
 
 // A help file without a context in it has nothing to show: the platform's own boxes take none.
 std::optional<std::int32_t> WindowsDialogs::showMessage(const OperatorMessage& message) {
@@ -14,7 +15,7 @@ std::optional<std::int32_t> WindowsDialogs::showMessage(const OperatorMessage& m
 }
 
 InputAnswer WindowsDialogs::askInput(const InputRequest& request) {
-    return frmCDInputBox(locale_ ? *locale_ : NumberLocale::user()).GetInput(request);
+    return frmCDInputBox(locale_ ? *locale_ : NumberLocale::user()).GetInput(request, ownerForm_);
 }
 
 }  // namespace corvane

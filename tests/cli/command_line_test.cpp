@@ -15,13 +15,13 @@ using testing::IsEmpty;
 TEST(CommandLine, ShowsItsHelp) {
     const Ran result = ran({"--help"});
     EXPECT_EQ(result.code, ExitCode::Success);
-    for (const char* command : {"run", "check", "list", "show", "catalogue", "Exit codes"})
+    for (const char* command : {"run", "check", "list", "show", "locale", "catalogue", "Exit codes"})
         EXPECT_THAT(result.output, HasSubstr(command));
     EXPECT_THAT(result.errors, IsEmpty());
 }
 
 TEST(CommandLine, ShowsTheHelpOfEachCommand) {
-    for (const char* command : {"run", "check", "list", "show", "catalogue"}) {
+    for (const char* command : {"run", "check", "list", "show", "locale", "catalogue"}) {
         const Ran result = ran({command, "--help"});
         EXPECT_EQ(result.code, ExitCode::Success);
         EXPECT_THAT(result.output, HasSubstr("Usage: corvane " + std::string(command)));
@@ -55,6 +55,9 @@ TEST(CommandLine, RefusesWrongUsage) {
         {"show", "a.script", "b.script"},
         {"catalogue", "Frobnicate"},
         {"catalogue", "Goto", "Call"},
+        {"locale", "Germany"},
+        {"locale", "99999999999"},
+        {"locale", "1031", "1033"},
     };
     for (const std::vector<std::string>& arguments : wrong) {
         std::istringstream input;

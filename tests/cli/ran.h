@@ -20,7 +20,8 @@ struct Ran {
 /// Runs the program in this process. Numbers have a decimal point, so that no user's settings decide a test.
 inline Ran ran(std::vector<std::string> arguments, const std::string& typed = {},
                const std::function<bool()>& interrupted = {}) {
-    const bool readsScripts = !arguments.empty() && arguments[0] != "catalogue" && arguments[0].front() != '-';
+    const bool readsScripts =
+        !arguments.empty() && arguments[0] != "catalogue" && arguments[0] != "locale" && arguments[0].front() != '-';
     const bool hasMark = std::find(arguments.begin(), arguments.end(), "--decimal-mark") != arguments.end();
     if (readsScripts && !hasMark) arguments.insert(arguments.end(), {"--decimal-mark", "point"});
     std::istringstream input(typed);

@@ -75,11 +75,35 @@ TEST_F(TableWindow, ShowsBothViews) {
 }
 
 TEST_F(TableWindow, FitsTheColumns) {
+    const std::string wide(80, 'W');
+    script = folder.write("wide.script", "VAR N = \"" + wide + "\"\nWaitTime(2.5, N)\n").string();
+    show([](HWND window) {
+        for (const HWND list : listsOf(window))
+            for (int column = 0; column < columns(list); ++column) {
+                const auto width = SendMessageW(list, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0);
+                for (const std::wstring& text : {cell(list, 0, column), cell(list, 1, column)})
+                    EXPECT_GT(width,
+                              SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str())));
+            }
+    });
+}
+
+TEST_F(TableWindow, HasRoomForTheHeaders) {
     show([](HWND window) {
         for (const HWND list : listsOf(window)) {
-            const auto width = SendMessageW(list, LVM_GETCOLUMNWIDTH, 1, 0);
-            const std::wstring text = cell(list, 0, 1);
-            EXPECT_GT(width, SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str())));
+            const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+            const LRESULT margins = 2 * SendMessageW(header, HDM_GETBITMAPMARGIN, 0, 0);
+            for (int column = 0; column < columns(list); ++column) {
+                wchar_t text[32] = L"";
+                HDITEMW item{};
+                item.mask = HDI_TEXT;
+                item.pszText = text;
+                item.cchTextMax = 32;
+                SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+                const LRESULT needed = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text));
+                EXPECT_GT(SendMessageW(list, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0), needed + margins)
+                    << column;
+            }
         }
     });
 }

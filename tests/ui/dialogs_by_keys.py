@@ -34,6 +34,14 @@ def typed(text):
     return [KEYS.get(character, character) for character in text]
 
 
+def console_area(program):
+    """Where the console stands that a program was given: left, top, right, bottom."""
+    search = ["xdotool", "search", "--onlyvisible", "--name", os.path.basename(program), "getwindowgeometry", "--shell"]
+    lines = subprocess.run(search, check=True, stdout=subprocess.PIPE, text=True).stdout.split()
+    at = {name: int(value) for name, value in (line.split("=") for line in lines)}
+    return at["X"], at["Y"], at["X"] + at["WIDTH"], at["Y"] + at["HEIGHT"]
+
+
 class Dialogs(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -89,6 +97,15 @@ class Dialogs(unittest.TestCase):
         box = self.watcher.dialog(lambda dialog: text in dialog.texts)
         self.assertEqual((box.title, box.buttons, box.has_icon), (title, buttons, has_icon))
         press(key)
+
+    def check_labels(self, box, value, reason, range_text):
+        """What the box says of its entry, in its colours; without a range text the range is not seen."""
+        self.assertEqual((box["lblReturnValue"], box["lblReason"]), (value, reason))
+        self.assertEqual(box["lblRange"] if box.is_visible("lblRange") else None, range_text)
+        screen = Screen()
+        self.assertGreater(screen.count(box.named["lblReturnValue"]["area"], DARK_BLUE), 0)
+        self.assertEqual(screen.count(box.named["lblReason"]["area"], DARK_BLUE) > 0, reason != "")
+        self.assertEqual(screen.count(box.named["lblQuestion"]["area"], DARK_BLUE), 0)
 
     def check_keys(self, rows, process):
         """Types into the box that a KEYS_SCRIPT opens."""
@@ -181,15 +198,7 @@ class NumberBox(Dialogs):
         self.watcher.dialog()
         press(*CLEAR, *typed(keys))
         box = self.entry(keys)
-        self.assertEqual(box["lblReturnValue"], value)
-        self.assertEqual(box["lblReason"], reason)
-        self.assertEqual(box.is_visible("lblRange"), range_shown)
-        if range_shown:
-            self.assertEqual(box["lblRange"], "(Please enter a value between: 1 and 10)")
-        screen = Screen()
-        self.assertGreater(screen.count(box.named["lblReturnValue"]["area"], DARK_BLUE), 0)
-        self.assertEqual(screen.count(box.named["lblReason"]["area"], DARK_BLUE) > 0, reason != "")
-        self.assertEqual(screen.count(box.named["lblQuestion"]["area"], DARK_BLUE), 0)
+        self.check_labels(box, value, reason, "(Please enter a value between: 1 and 10)" if range_shown else None)
         press("Return")
         self.assertEqual(self.end(process), [{"ending": "accepted", "value": value}])
 
@@ -201,6 +210,19 @@ class NumberBox(Dialogs):
         self.assertEqual(self.entry("42")["lblReturnValue"], "10")
         press("Return")
         self.assertEqual(self.dialogs_of(process), [("input", "How much?", "accepted", 10)])
+
+    def test_stands_over_the_console_that_the_program_runs_in(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".script") as file:
+            file.write(KEYS_SCRIPT)
+            file.flush()
+            process = self.start("wineconsole", corvane, "run", file.name, "--windows")
+            box = self.watcher.dialog()
+            left, top, right, bottom = console_area(corvane)
+            self.assertNotEqual((left + right, top + bottom), (1024, 768))
+            self.assertAlmostEqual((box.area[0] + box.area[2]) / 2, (left + right) / 2, delta=1)
+            self.assertAlmostEqual((box.area[1] + box.area[3]) / 2, (top + bottom) / 2, delta=1)
+            press("Return")
+            process.wait(timeout=20)
 
     def test_returns_the_corrected_start_value_without_typing(self):
         process = self.run_script("VAR N = 99\n" + NUMBER.format(minimum=1, maximum=10))
@@ -348,6 +370,37 @@ class ThroughTheComponent(Dialogs):
         press("Return")
         self.ended_with(process, "is 10")
 
+    def test_each_correction_of_a_number_is_shown_and_stored(self):
+        script = ('VAR N = 2\nVAR S = ""\n' + NUMBER.format(minimum="2.5", maximum="-10") +
+                  "\nConCatString(S, S, N)\nInfo(S)")
+        point = "(Please enter a value between: -10 and 2.5)"
+        comma = "(Please enter a value between: -10 and 2,5)"
+        rows = [
+            ("C.UTF-8", "2.25", "2.25", "", None),
+            ("C.UTF-8", "0", "0", "", None),
+            ("C.UTF-8", "3", "2.5", "(Too large)", point),
+            ("C.UTF-8", "-10.5", "-10", "(Too small)", point),
+            ("C.UTF-8", "1n5", "0", "", None),
+            ("de_DE.UTF-8", "2,25", "2,25", "", None),
+            ("de_DE.UTF-8", "3", "2,5", "(Too large)", comma),
+            ("de_DE.UTF-8", "-10,5", "-10", "(Too small)", comma),
+        ]
+        for locale, keys, value, reason, range_text in rows:
+            with self.subTest(locale=locale, keys=keys):
+                process = self.run_by_component(script, locale)
+                self.watcher.dialog()
+                press(*CLEAR, *typed(keys))
+                self.check_labels(self.entry(keys), value, reason, range_text)
+                press("Return")
+                self.ended_with(process, value)
+
+    def test_the_start_value_is_corrected_without_typing(self):
+        process = self.run_by_component("VAR N = 99\nVAR S = \"is \"\n" + NUMBER.format(minimum=1, maximum=10) +
+                                        "\nConCatString(S, S, N)\nInfo(S)")
+        self.assertEqual(self.watcher.dialog()["lblReason"], "(Too large)")
+        press("Return")
+        self.ended_with(process, "is 10")
+
     def test_the_box_of_a_number_takes_the_keys_of_the_users_numbers(self):
         self.check_keys(NumberBox.POINT_ROWS, self.run_by_component(KEYS_SCRIPT))
         self.check_keys(NumberBox.COMMA_ROWS, self.run_by_component(KEYS_SCRIPT, "de_DE.UTF-8"))
@@ -355,6 +408,7 @@ class ThroughTheComponent(Dialogs):
     def test_a_text_is_stored_up_to_its_greatest_length(self):
         for maximum, keys, text, range_text in (
                 (8, "batch-,. n", "batch-,.", "(Maximum String Lenght: 8)"),
+                (1000000, "n" * 30, "n" * 30, "(Maximum String Lenght: 1024)"),
                 (0, "0123456789" * 3, "0123456789" * 3, "(String of any length)")):
             with self.subTest(maximum=maximum):
                 process = self.run_by_component(StringBox.SCRIPT.format(maximum))
@@ -365,13 +419,17 @@ class ThroughTheComponent(Dialogs):
                 self.ended_with(process, text)
 
     def test_cancel_asks_again_or_ends_the_run(self):
-        process = self.run_by_component(StringBox.SCRIPT.format(8))
-        for key in ("n", "y"):
-            self.watcher.dialog(lambda dialog: dialog.title == "Enter String")
-            press("Escape")
-            self.watcher.dialog(lambda dialog: Cancel.QUESTION in dialog.texts)
-            press(key)
-        self.ended_with(process)
+        number = "VAR N = 2.5\n" + NUMBER.format(minimum=5, maximum=10) + '\nInfo("not reached")'
+        string = StringBox.SCRIPT.format(8)
+        for script, title, start in ((number, "Enter Number", "2.5"), (string, "Enter String", "abc")):
+            with self.subTest(title=title):
+                process = self.run_by_component(script)
+                for leave, answer in (("Escape", "n"), ("alt+c", "n"), ("Escape", "y")):
+                    box = self.watcher.dialog(lambda dialog: dialog.title == title)
+                    self.assertEqual(box.entry, start)
+                    press("7", leave)
+                    self.expect("Corvane", Cancel.QUESTION, ["Yes", "No"], True, answer)
+                self.ended_with(process)
 
     def test_a_question_leads_to_its_label_on_yes_only(self):
         script = 'MsgAsk("Again?", There)\nInfo("not jumped")\nThere:\nInfo("there")\n'
@@ -390,10 +448,54 @@ class ThroughTheComponent(Dialogs):
             self.expect("64", f"style {style}", buttons, has_icon, "Return")
         self.ended_with(process, "read")
 
-    def test_a_rejected_script_is_shown(self):
-        process = self.run_by_component("Goto(Nowhere)")
-        self.expect("Syntax Error on Line 1", "Undefined Label: Nowhere", ["OK"], True, "Return")
-        self.assertEqual(self.end(process), [{"loaded": False, "result": 0, "ran": False}])
+    def test_each_button_of_an_extended_message_leads_to_the_next_statement(self):
+        rows = [
+            (33, ("Return", "Escape")),
+            (34, ("a", "r", "i")),
+            (35, ("y", "n", "Escape")),
+            (36, ("y", "n")),
+            (37, ("r", "Escape")),
+            (38, ("t", "c", "Escape")),
+        ]
+        presses = [(style, key) for style, keys in rows for key in keys]
+        process = self.run_by_component("".join(f'MsgInfoEx("{number}", "{style}")\nInfo("{number}")\n'
+                                                for number, (style, _) in enumerate(presses)))
+        for number, (style, key) in enumerate(presses):
+            with self.subTest(style=style, key=key):
+                box = self.watcher.dialog(lambda dialog: str(number) in dialog.texts)
+                self.assertEqual((box.title, box.has_icon), ("64", True))
+                press(key)
+        self.ended_with(process, *(str(number) for number in range(len(presses))))
+
+    def test_an_extended_message_has_the_default_button_of_its_number(self):
+        process = self.run_by_component("".join(f'MsgInfoEx("{style}", "{style}")\n' for style in (3, 0x103, 0x203)))
+        for style, button in ((3, "Yes"), (0x103, "No"), (0x203, "Cancel")):
+            self.watcher.dialog(lambda dialog: str(style) in dialog.texts and dialog.focus == button)
+            press("Return")
+        self.ended_with(process)
+
+    def test_a_rejected_script_is_shown_once(self):
+        rows = [
+            # A statement that cannot be bound says why, and the line is not shown as well.
+            ("Goto()", 0, "Goto requires 1 parameters"),
+            (";\nReturn(5)", 1, "Return requires 0 parameters"),
+            ("WaitTime(1, \"a\", 3)\nGoto()", 0, "WaitTime requires 2 parameters"),
+            ("\n\nSet(Nothing, 1)", 2, "Undeclared identifier"),
+            ('VAR S = "a"\nIfEqual(S, 1, There)\nThere:', 1, "Incorrect parameter type: 1"),
+            ("VAR N = 1\nMsgInfo(N)", 1, "Incorrect parameter type: 1"),
+            # Where nothing else was said the line is shown.
+            (";\n  MoveIntoVesel(120) ", 1, "Invalid input:\r\n\r\n'MoveIntoVesel(120)'"),
+            ("CONST Empty", 0, "Invalid input:\r\n\r\n'CONST Empty'"),
+            # Only the first fault is shown.
+            ("A:\nA:\nSet(Nothing, 1)", 1, "Duplicate Lable Defined: A"),
+            ("A:\nA:\nGoto(Nowhere)", 1, "Duplicate Lable Defined: A"),
+            ("Goto(Nowhere)", 1, "Undefined Label: Nowhere"),
+        ]
+        for script, line, text in rows:
+            with self.subTest(script=script):
+                process = self.run_by_component(script)
+                self.expect(f"Syntax Error on Line {line}", text, ["OK"], True, "Return")
+                self.assertEqual(self.end(process), [{"loaded": False, "result": 0, "ran": False}])
 
 
 class WithoutDesktop(unittest.TestCase):

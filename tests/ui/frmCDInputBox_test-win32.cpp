@@ -4,6 +4,7 @@
 // After windows.h, which it needs.
 #include <commctrl.h>
 #include <gmock/gmock.h>
+#include <oleacc.h>
 #include <oleauto.h>
 
 #include <limits>
@@ -87,6 +88,10 @@ public:
         return {begin, end};
     }
     void press(Form::Control button) const { PostMessageW(control(button), BM_CLICK, 0, 0); }
+    /// As the system tells it, with the area that it proposes.
+    void changeResolution(int dpi, RECT proposed) const {
+        SendMessageW(window_, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+    }
 
 private:
     HWND window_;
@@ -230,6 +235,56 @@ TEST(InputBoxWindow, CorrectsAsTheOperatorTypes) {
         const std::u16string shown(toText(answer.value, NumberLocale::pointDecimal()).view());
         EXPECT_EQ(shown, row.value) << testing::PrintToString(row.typed);
     }
+}
+
+/// Has the system tell this program that the user wants high contrast, which no system lets a program decide for tests.
+class HighContrast {
+public:
+    HighContrast() : slot_(importedAt()), before_(*slot_) { set(reinterpret_cast<void*>(&HighContrast::answer)); }
+    HighContrast(const HighContrast&) = delete;
+    HighContrast& operator=(const HighContrast&) = delete;
+    ~HighContrast() { set(before_); }
+
+private:
+    using Function = decltype(&SystemParametersInfoW);
+
+    // Where this program keeps the function's address.
+    static void** importedAt() {
+        auto* const base = reinterpret_cast<std::byte*>(GetModuleHandleW(nullptr));
+        const auto& start = *reinterpret_cast<IMAGE_DOS_HEADER*>(base);
+        const auto& headers = *reinterpret_cast<IMAGE_NT_HEADERS*>(base + start.e_lfanew);
+        const IMAGE_DATA_DIRECTORY& table = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
+        auto** const begin = reinterpret_cast<void**>(base + table.VirtualAddress);
+        system_ = &SystemParametersInfoW;
+        return std::find(begin, begin + table.Size / sizeof(void*), reinterpret_cast<void*>(system_));
+    }
+    static BOOL WINAPI answer(UINT action, UINT size, void* value, UINT flags) {
+        if (action != SPI_GETHIGHCONTRAST) return system_(action, size, value, flags);
+        static_cast<HIGHCONTRASTW*>(value)->dwFlags = HCF_HIGHCONTRASTON | HCF_AVAILABLE;
+        return TRUE;
+    }
+    void set(void* function) const {
+        DWORD protection = 0;
+        VirtualProtect(slot_, sizeof *slot_, PAGE_READWRITE, &protection);
+        *slot_ = function;
+        VirtualProtect(slot_, sizeof *slot_, protection, &protection);
+    }
+
+    static inline Function system_ = nullptr;
+    void** slot_;
+    void* before_;
+};
+
+TEST(InputBoxWindow, HasTheUsersColoursInHighContrast) {
+    const HighContrast contrast;
+    const COLORREF text = GetSysColor(COLOR_BTNTEXT);
+    asked(number(0, 10), [text](const OpenBox& box) {
+        EXPECT_EQ(box.look(Form::lblReturnValue), (LabelLook{text, true}));
+        EXPECT_EQ(box.look(Form::lblReason), (LabelLook{text, false}));
+        SetWindowTextW(box.entry(), L"11");
+        EXPECT_EQ(box.text(Form::lblReason), u"(Too large)");
+        EXPECT_EQ(box.look(Form::lblReason), (LabelLook{text, true}));
+    });
 }
 
 /// A host whose processor rounds up and stops at every mistake.
@@ -440,15 +495,88 @@ TEST(InputBoxWindow, GoesFromTheEntryOverOkToCancel) {
     });
 }
 
-// A screen reader takes the name of an entry from the visible label before it.
+// What screen readers call a control, as the system tells them.
+std::u16string nameOf(HWND control) {
+    IAccessible* accessible = nullptr;
+    // The one of the compiler's library is another's.
+    constexpr GUID accessibleInterface = {0x618736e0, 0x3c3d, 0x11cf, {0x81, 0x0c, 0x00, 0xaa, 0x00, 0x38, 0x9b, 0x71}};
+    if (FAILED(AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), accessibleInterface,
+                                          reinterpret_cast<void**>(&accessible))))
+        return u"(not accessible)";
+    VARIANT self;
+    V_VT(&self) = VT_I4;
+    V_I4(&self) = CHILDID_SELF;
+    BSTR name = nullptr;
+    accessible->get_accName(self, &name);
+    accessible->Release();
+    const std::u16string text(reinterpret_cast<const char16_t*>(name), SysStringLen(name));
+    SysFreeString(name);
+    return text;
+}
+
+HWND visibleBefore(HWND control) {
+    do control = GetWindow(control, GW_HWNDPREV);
+    while (control != nullptr && IsWindowVisible(control) == FALSE);
+    return control;
+}
+
 TEST(InputBoxWindow, NamesTheEntryByTheQuestion) {
     for (const bool asksNumber : {true, false})
-        asked(asksNumber ? number(0, 10) : string(u"abc", 10), [](const OpenBox& box) {
-            HWND before = box.entry();
-            do before = GetWindow(before, GW_HWNDPREV);
-            while (before != nullptr && IsWindowVisible(before) == FALSE);
-            EXPECT_EQ(before, box.control(Form::lblQuestion));
+        asked(asksNumber ? number(0, 10) : string(u"abc", 10), [asksNumber](const OpenBox& box) {
+            // Without knowledge of its own a screen reader takes the visible label before it.
+            EXPECT_EQ(visibleBefore(box.entry()), box.control(Form::lblQuestion));
+            EXPECT_EQ(nameOf(box.entry()), asksNumber ? u"How much?" : u"Which batch?");
         });
+}
+
+TEST(InputBoxWindow, NamesTheEntryByTheBeginningOfAQuestionThatScrolls) {
+    InputRequest request = number(0, 10);
+    const std::u16string question = u"How much of this? " + std::u16string(5000, u'x');
+    request.question = question;
+    asked(request, [&](const OpenBox& box) {
+        EXPECT_EQ(visibleBefore(box.entry()), box.control(Form::lblEntryName));
+        EXPECT_EQ(nameOf(box.entry()), question.substr(0, 200));
+        const RECT place = box.place(Form::lblEntryName);
+        EXPECT_EQ(place.left, place.right);
+    });
+}
+
+TEST(InputBoxWindow, NamesItsButtons) {
+    asked(number(0, 10), [](const OpenBox& box) {
+        EXPECT_EQ(nameOf(box.control(Form::cmdOK)), u"OK");
+        EXPECT_EQ(nameOf(box.control(Form::cmdCancel)), u"Cancel");
+    });
+}
+
+// The labels that say that their text has changed.
+std::vector<HWND>& announced() {
+    static std::vector<HWND> labels;
+    return labels;
+}
+
+void CALLBACK noteAnnouncement(HWINEVENTHOOK, DWORD, HWND window, LONG, LONG, DWORD, DWORD) {
+    announced().push_back(window);
+}
+
+TEST(InputBoxWindow, HasScreenReadersSayTheReasonWhenItChanges) {
+    announced().clear();
+    const HWINEVENTHOOK hook =
+        SetWinEventHook(EVENT_OBJECT_LIVEREGIONCHANGED, EVENT_OBJECT_LIVEREGIONCHANGED, GetModuleHandleW(nullptr),
+                        noteAnnouncement, GetCurrentProcessId(), GetCurrentThreadId(), WINEVENT_INCONTEXT);
+    asked(number(0, 10), [](const OpenBox& box) {
+        const auto announcedBy = [&box](const wchar_t* text) {
+            const std::size_t before = announced().size();
+            SetWindowTextW(box.entry(), text);
+            return announced().size() - before;
+        };
+        EXPECT_EQ(announcedBy(L"5"), 0u);
+        EXPECT_EQ(announcedBy(L"50"), 1u);
+        EXPECT_EQ(announcedBy(L"500"), 0u);
+        EXPECT_EQ(announcedBy(L"-5"), 1u);
+        EXPECT_EQ(announcedBy(L"7"), 1u);
+        EXPECT_EQ(announced(), std::vector<HWND>(3, box.control(Form::lblReason)));
+    });
+    UnhookWinEvent(hook);
 }
 
 // -------------------------------------------------------------------------------------------------------------- layout
@@ -558,12 +686,8 @@ TEST(InputBoxWindow, IsReadableAtEachResolution) {
         const LONG normalHeight = std::abs(box.font(Form::txtNumValue).lfHeight);
         const RECT normal = box.area();
         for (const int dpi : {144, 192, 96}) {
-            RECT proposed = normal;
-            proposed.left = 20;
-            proposed.top = 10;
-            SendMessageW(box.window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+            box.changeResolution(dpi, normal);
             expectTidy(box);
-            EXPECT_EQ(box.area().left, 20);
             EXPECT_NEAR(std::abs(box.font(Form::txtNumValue).lfHeight), normalHeight * dpi / 96, 1);
             EXPECT_NEAR(std::abs(box.font(Form::lblQuestion).lfHeight), normalHeight * dpi / 96, 1);
             const RECT place = box.place(Form::lblQuestion);
@@ -720,6 +844,60 @@ TEST(InputBoxWindow, StandsOverTheHostsWindowWhenTheFormIsMinimised) {
     asked(
         number(0, 10), [](const OpenBox& box) { expectMiddle(box.area(), 450, 330); }, NumberLocale::pointDecimal(),
         &form);
+}
+
+TEST(InputBoxWindow, StaysWhereItIsWhenTheResolutionChanges) {
+    asked(number(0, 10), [](const OpenBox& box) {
+        for (const int dpi : {144, 192, 120, 96}) {
+            const RECT proposed{200, 150, 200 + 3 * dpi, 150 + 2 * dpi};
+            box.changeResolution(dpi, proposed);
+            expectMiddle(box.area(), middle(proposed).x, middle(proposed).y);
+            EXPECT_EQ(GetFocus(), box.entry());
+        }
+    });
+}
+
+TEST(InputBoxWindow, IsKeptOnTheScreenWhenTheResolutionChanges) {
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    for (const int words : {1, 200})
+        for (const int dpi : {96, 144, 192}) {
+            InputRequest request = number(0, 10);
+            const std::u16string question = repeated(u"powder ", words);
+            request.question = question;
+            asked(request, [&](const OpenBox& box) {
+                for (const LONG x : {screen.left - 500, screen.right - 100})
+                    for (const LONG y : {screen.top - 500, screen.bottom - 100}) {
+                        box.changeResolution(dpi, {x, y, x + 300, y + 200});
+                        expectTidy(box);
+                    }
+            });
+        }
+}
+
+// Whether the question of a box has a scroll bar.
+bool scrolls(const OpenBox& box) {
+    return (GetWindowLongPtrW(box.control(Form::lblQuestion), GWL_STYLE) & WS_VSCROLL) != 0;
+}
+
+TEST(InputBoxWindow, ScrollsAQuestionWhileTheResolutionLeavesNoRoomForIt) {
+    const std::u16string question = repeated(u"a line of a question\r\n", 16) + u"the end";
+    InputRequest request = number(0, 10);
+    request.question = question;
+    asked(request, [&](const OpenBox& box) {
+        const RECT before = box.area();
+        EXPECT_FALSE(scrolls(box));
+        for (const int dpi : {192, 96, 192}) {
+            box.changeResolution(dpi, before);
+            EXPECT_EQ(scrolls(box), dpi == 192);
+            EXPECT_EQ(box.text(Form::lblQuestion), question);
+            expectTidy(box);
+            EXPECT_EQ(visibleBefore(box.entry()), box.control(scrolls(box) ? Form::lblEntryName : Form::lblQuestion));
+        }
+        SetFocus(box.control(Form::lblQuestion));
+        box.changeResolution(96, before);
+        EXPECT_EQ(GetFocus(), box.entry());
+    });
 }
 
 TEST(InputBoxWindow, StandsInTheMiddleOfTheScreenWithoutAHost) {

@@ -211,6 +211,12 @@ const Case cases[] = {
     {SingleNumber, 0, 10, true, u"99999999999999999999999999999999999999999", 10, TooLarge},
     {SingleNumber, 0, 10, true, u"-99999999999999999999999999999999999999999", 0, TooSmall},
     {WholeNumber, 0, 10, true, u"1e300", 10, TooLarge},
+    // beyond the platform's numbers: no number
+    {SingleNumber, 0, 10, true, u"1e999", 0, None},
+    {SingleNumber, 1, 10, true, u"1e999", 1, TooSmall},
+    {SingleNumber, -10, -1, true, u"-1e999", -1, TooLarge},
+    {WholeNumber, -10, 10, false, u"1e999", 1, Zero},
+    {SingleNumber, 1, 10, true, std::u16string(400, u'9'), 1, TooSmall},
 };
 
 TEST(InputRules, CorrectsByTheFirstRuleThatApplies) {
