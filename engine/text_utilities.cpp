@@ -31,13 +31,13 @@ bool NextPlainNumber(std::u16string_view& text, std::u16string_view& token, floa
     const char16_t* const begin = at;
     const bool isNegative = at != end && *at == u'-';
     if (isNegative) ++at;
-    PlainNumber reading;
-    while (at != end && reading.takes(*at, u'.')) ++at;
-    const char16_t* const last = at;
-    while (at != end && *at == u' ') ++at;
-    if (!reading.isNumber() || (at != end && *at != u',')) return false;
+    double magnitude = 0;
+    const char16_t* const last = readPlainDigits(at, end, u'.', 0, magnitude);
+    if (last == at) return false;
+    for (at = last; at != end && *at == u' ';) ++at;
+    if (at != end && *at != u',') return false;
     token = {begin, static_cast<std::size_t>(last - begin)};
-    number = reading.single(isNegative);
+    number = static_cast<float>(isNegative ? -magnitude : magnitude);
     text.remove_prefix(static_cast<std::size_t>(at - text.data()) + (at != end ? 1 : 0));
     return true;
 }

@@ -17,11 +17,10 @@ namespace {
 std::optional<float> plainSingle(std::u16string_view text, char16_t mark, char16_t otherMark) {
     const bool isNegative = text.starts_with(u'-');
     if (isNegative) text.remove_prefix(1);
-    PlainNumber number;
-    for (const char16_t unit : text)
-        if (!number.takes(unit, mark, otherMark)) return std::nullopt;
-    if (!number.isNumber()) return std::nullopt;
-    return number.single(isNegative);
+    const char16_t* const end = text.data() + text.size();
+    double magnitude = 0;
+    if (text.empty() || readPlainDigits(text.data(), end, mark, otherMark, magnitude) != end) return std::nullopt;
+    return static_cast<float>(isNegative ? -magnitude : magnitude);
 }
 
 char16_t decimalMarkOf(const NumberLocale& locale) {

@@ -29,39 +29,28 @@ bool beginsAsName(std::u16string_view text, const NumberLocale& locale);
 /// answers is what the numeric-text test and a conversion to single make of the text.
 std::optional<float> plainNumber(std::u16string_view text, const NumberLocale& locale);
 
-/// Reads a plainly written number character by character.
-class PlainNumber {
-public:
-    /// Whether `unit` can stand next in one; after false, no more characters may be offered.
-    bool takes(char16_t unit, char16_t mark, char16_t otherMark = 0) {
-        const auto digit = static_cast<std::uint32_t>(unit - u'0');
-        if (digit <= 9 && digits_ < exactDigits) {
-            number_ = number_ * 10 + digit;
-            ++digits_;
-            return true;
-        }
-        if (hasMark_ || unit == 0 || (unit != mark && unit != otherMark)) return false;
-        hasMark_ = true;
-        wholeDigits_ = digits_;
-        return true;
-    }
-    bool isNumber() const { return digits_ != 0; }
-    /// Seven digits are exact in a double and, divided by a power of ten, too far from the middle between two singles
-    /// for any routine's last-place errors to matter.
-    float single(bool isNegative) const {
-        static constexpr double powersOfTen[exactDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
-        double magnitude = number_;
-        if (hasMark_) magnitude /= powersOfTen[digits_ - wholeDigits_];
-        return static_cast<float>(isNegative ? -magnitude : magnitude);
-    }
-
-private:
-    static constexpr std::uint32_t exactDigits = 7;
-    std::uint32_t number_ = 0;
-    std::uint32_t digits_ = 0;
-    std::uint32_t wholeDigits_ = 0;
-    bool hasMark_ = false;
-};
+/// Reads the digits of a plainly written number from `begin` on, and a mark among them, which is `mark` or `otherMark`;
+/// 0 is none. Returns where it stopped, and in `number` what the digits make; `begin` when they make no such number.
+inline const char16_t* readPlainDigits(const char16_t* begin, const char16_t* end, char16_t mark, char16_t otherMark,
+                                       double& number) {
+    constexpr std::ptrdiff_t exactDigits = 7;
+    static constexpr double powersOfTen[exactDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
+    std::uint32_t digits = 0;
+    const auto readDigits = [&](const char16_t* at) {
+        for (; at != end && static_cast<std::uint32_t>(*at - u'0') <= 9; ++at) digits = digits * 10 + (*at - u'0');
+        return at;
+    };
+    const char16_t* const wholeEnd = readDigits(begin);
+    const char16_t* at = wholeEnd;
+    if (at != end && *at != 0 && (*at == mark || *at == otherMark)) at = readDigits(at + 1);
+    const std::ptrdiff_t fraction = at == wholeEnd ? 0 : at - wholeEnd - 1;
+    const std::ptrdiff_t count = wholeEnd - begin + fraction;
+    if (count == 0 || count > exactDigits) return begin;
+    // Seven digits are exact in a double and, divided by a power of ten, too far from the middle between two singles
+    // for any routine's last-place errors to matter.
+    number = fraction == 0 ? digits : digits / powersOfTen[fraction];
+    return at;
+}
 
 namespace platform_rules {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale);
