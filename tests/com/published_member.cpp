@@ -1,7 +1,7 @@
 #include "tests/com/published_member.h"
 
 #include <algorithm>
-#include <regex>
+#include <sstream>
 #include <stdexcept>
 
 namespace corvane::testing {
@@ -31,15 +31,16 @@ WORD PublishedMember::flags() const {
 }
 
 PublishedMember memberOf(const std::string& line) {
-    static const std::regex form(R"(([0-9a-f]{8}) (\w+) (\w+)\((.*)\)(: (\w+))?)");
-    std::smatch parts;
-    if (!std::regex_match(line, parts, form)) throw std::runtime_error("not a member: " + line);
+    const std::size_t open = line.find('(');
+    const std::size_t close = line.rfind(')');
+    if (open == std::string::npos || close == std::string::npos) throw std::runtime_error("not a member: " + line);
     PublishedMember member;
-    member.id = static_cast<DISPID>(std::stoul(parts[1], nullptr, 16));
-    member.kind = parts[2];
-    member.name = parts[3];
-    member.result = parts[6];
-    std::string rest = parts[4];
+    std::istringstream head(line.substr(0, open));
+    std::string id;
+    head >> id >> member.kind >> member.name;
+    member.id = static_cast<DISPID>(std::stoul(id, nullptr, 16));
+    if (line.size() > close + 1) member.result = line.substr(line.find(": ", close) + 2);
+    std::string rest = line.substr(open + 1, close - open - 1);
     while (!rest.empty()) {
         const std::size_t comma = std::min(rest.find(", "), rest.size());
         member.parameters.push_back(parameterOf(rest.substr(0, comma)));

@@ -201,17 +201,25 @@ std::string textOf(const GUID& id) {
     return text;
 }
 
-/// The members below the headline "interface NAME {IDENTIFIER}".
-std::optional<std::vector<PublishedMember>> publishedMembers(const std::string& identifier) {
-    std::ifstream file("tests/com/published.txt");
-    std::string line;
-    const auto isWanted = [&] { return line.starts_with("interface ") && line.ends_with(identifier); };
-    while (std::getline(file, line) && !isWanted()) {
-    }
-    if (!file) return std::nullopt;
-    std::vector<PublishedMember> members;
-    while (std::getline(file, line) && line.starts_with("    ")) members.push_back(memberOf(line.substr(4)));
-    return members;
+using PublishedMembers = std::map<std::string, std::vector<PublishedMember>>;
+
+/// What published.txt says of the interfaces, by identifier.
+const PublishedMembers& publishedMembers() {
+    static const PublishedMembers published = [] {
+        PublishedMembers read;
+        std::ifstream file("tests/com/published.txt");
+        std::vector<PublishedMember>* members = nullptr;
+        for (std::string line; std::getline(file, line);) {
+            if (line.starts_with("interface "))
+                members = &read[line.substr(line.find('{'))];
+            else if (!line.starts_with("    "))
+                members = nullptr;
+            else if (members != nullptr)
+                members->push_back(memberOf(line.substr(4)));
+        }
+        return read;
+    }();
+    return published;
 }
 
 HRESULT InterfaceInformation::GetRefTypeInfo(HREFTYPE reference, ITypeInfo** information) {
@@ -342,9 +350,9 @@ namespace corvane {
 
 /// Of interfaces only.
 HRESULT loadTypeInfo(REFGUID id, ComReference<ITypeInfo>& information) noexcept {
-    const auto members = publishedMembers(textOf(id));
-    if (!members) return TYPE_E_ELEMENTNOTFOUND;
-    information = ComReference<ITypeInfo>(new InterfaceInformation(id, TKIND_DISPATCH, *members));
+    const auto members = publishedMembers().find(textOf(id));
+    if (members == publishedMembers().end()) return TYPE_E_ELEMENTNOTFOUND;
+    information = ComReference<ITypeInfo>(new InterfaceInformation(id, TKIND_DISPATCH, members->second));
     return S_OK;
 }
 

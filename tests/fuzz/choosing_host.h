@@ -95,8 +95,9 @@ private:
     void writeResults(clsDataSetParameters& dataSet) {
         dataSet.TestResult = static_cast<enumTestResult>(choices_.below(6));
         dataSet.Force = choices_.single();
+        const std::int32_t slot = choices_.longInteger();
         try {
-            dataSet.AddDataSetVariable(choices_.longInteger(), choices_.text());
+            dataSet.AddDataSetVariable(slot, choices_.text());
         } catch (const automation_error& error) {
             require(error.number() == ErrorNumber::SubscriptOutOfRange, "a variable beyond the record is error 9");
         }

@@ -38,7 +38,8 @@ inline std::u16string textOf(std::string_view bytes) {
     return text;
 }
 
-/// Decisions drawn from bytes; when those are used up, all are 0.
+/// Decisions drawn from bytes; when those are used up, all are 0. One at a time: the order in which a call's arguments
+/// are made is the compiler's, and an input means the same to all of them.
 class Choices {
 public:
     explicit Choices(std::string_view bytes) : rest_(bytes) {}
@@ -71,7 +72,8 @@ public:
     }
     std::int32_t longInteger() { return byte() >= 250 ? bits<std::int32_t>() : static_cast<std::int8_t>(byte()); }
     std::u16string text() {
-        const std::size_t length = std::min<std::size_t>(byte(), rest_.size());
+        const std::size_t wanted = byte();
+        const std::size_t length = std::min(wanted, rest_.size());
         const std::string_view taken = rest_.substr(0, length);
         rest_.remove_prefix(length);
         return textOf(taken);

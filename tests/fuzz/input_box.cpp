@@ -63,7 +63,8 @@ std::u16string typed(Choices& choices, std::u16string entry, const std::u16strin
         const KeyEffect effect = numberKey(key, entry, caret, mark);
         if (effect.action == KeyEffect::Action::Replace) {
             require(effect.caret <= effect.text.size(), "the caret stays within the entry");
-            require(numberKey(u'-', effect.text, effect.caret, mark).text == entry, "a sign twice is none");
+            require(entry.starts_with(u"--") || numberKey(u'-', effect.text, effect.caret, mark).text == entry,
+                    "a sign twice is none");
             entry = effect.text;
             caret = effect.caret;
         } else if (effect.action == KeyEffect::Action::Insert && key == u'\b') {

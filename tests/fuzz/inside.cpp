@@ -107,7 +107,7 @@ private:
         switch (choices_.below(13)) {
             case 0: load(script()); break;
             case 1: control_.RunScript(); break;
-            case 2: control_.EditDataVariable(choices_.longInteger(), choices_.single()); break;
+            case 2: edit(); break;
             case 3: control_.FinishLoopFlag(); break;
             case 4: makeEditable(memory); break;
             case 5: show(); break;
@@ -119,6 +119,11 @@ private:
             case 11: check(); break;
             default: control_.engine().setStopExecution(choices_.oneIn(2)); break;
         }
+    }
+
+    void edit() {
+        const std::int32_t position = choices_.longInteger();
+        control_.EditDataVariable(position, choices_.single());
     }
 
     void makeEditable(clsDataList& memory) {

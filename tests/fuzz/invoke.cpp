@@ -274,11 +274,12 @@ private:
         VariantInit(&result);
         EXCEPINFO exception{};
         UINT faulty = 0;
-        const bool wantsResult = !choices_.oneIn(4);
-        const HRESULT called =
-            object.face->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, choices_.oneIn(32) ? nullptr : &parameters,
-                                wantsResult ? &result : nullptr, choices_.oneIn(8) ? nullptr : &exception,
-                                choices_.oneIn(8) ? nullptr : &faulty);
+        DISPPARAMS* const passed = choices_.oneIn(32) ? nullptr : &parameters;
+        VARIANT* const wantedResult = choices_.oneIn(4) ? nullptr : &result;
+        EXCEPINFO* const wantedException = choices_.oneIn(8) ? nullptr : &exception;
+        UINT* const wantedFaulty = choices_.oneIn(8) ? nullptr : &faulty;
+        const HRESULT called = object.face->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, passed, wantedResult,
+                                                   wantedException, wantedFaulty);
         require(faulty == 0 || faulty < arguments.passed.size(), "a faulty argument is one of those passed");
         require(called == DISP_E_EXCEPTION || exception.bstrSource == nullptr, "only an exception is described");
         require(SUCCEEDED(called) || V_VT(&result) == VT_EMPTY, "a failed call has no result");
@@ -383,8 +384,8 @@ private:
     SAFEARRAY* array(VARTYPE type) {
         if (choices_.oneIn(4)) return nullptr;
         std::array<SAFEARRAYBOUND, 2> bounds{{{choices_.below(4), 0}, {choices_.below(3), choices_.longInteger() % 9}}};
-        SAFEARRAY* const made =
-            SafeArrayCreate(static_cast<VARTYPE>(type & ~VT_ARRAY), 1 + choices_.below(2), bounds.data());
+        const UINT dimensions = 1 + choices_.below(2);
+        SAFEARRAY* const made = SafeArrayCreate(static_cast<VARTYPE>(type & ~VT_ARRAY), dimensions, bounds.data());
         if (choices_.oneIn(8)) made->fFeatures |= FADF_FIXEDSIZE;
         return made;
     }
