@@ -83,9 +83,23 @@ std::vector<Member> membersOf(IDispatch& object) {
     return members;
 }
 
+/// The members of the published interface that an object bears; null for what is none of the component's.
+const std::vector<Member>* publishedMembers(IDispatch& object) {
+    static const std::array<IID, 6> interfaces = {IID__clsScriptControl,   IID__clsProgramFunctionList,
+                                                  IID__clsProgramFunction, IID__clsDataSetParameters,
+                                                  IID__clsScriptParamList, IID__Collection};
+    static std::array<std::vector<Member>, interfaces.size()> known;
+    for (std::size_t i = 0; i < interfaces.size(); ++i) {
+        if (!queryFor<IDispatch>(&object, interfaces[i])) continue;
+        if (known[i].empty()) known[i] = membersOf(object);
+        return &known[i];
+    }
+    return nullptr;
+}
+
 struct Object {
     ComReference<IDispatch> face;
-    std::vector<Member> members;
+    const std::vector<Member>* members;
 };
 
 /// The arguments of one call and the variables that they refer to.
@@ -126,13 +140,13 @@ public:
 
     void play() {
         add(testing::newControl());
-        for (int i = 0; i < 60 && !choices_.isSpent(); ++i) act();
+        while (actions_ < mostActions && !choices_.isSpent()) act();
     }
 
 private:
     static constexpr std::size_t mostObjects = 24;
     static constexpr int mostDepth = 3;
-    static constexpr int mostActions = 120;
+    static constexpr int mostActions = 60;
 
     template <typename Interface>
     void add(const ComReference<Interface>& object) {
@@ -140,12 +154,15 @@ private:
         const auto face = queryFor<IDispatch>(object.get(), IID_IDispatch);
         require(static_cast<bool>(face), "an object is reached by name");
         // A host's own objects come back from where it put them.
-        ComReference<ITypeInfo> information;
-        if (face->GetTypeInfo(0, 0, information.receive()) == S_OK) objects_.push_back({face, membersOf(*face.get())});
+        if (const auto* const members = publishedMembers(*face.get())) objects_.push_back({face, members});
     }
 
     Object* anyObject() {
         return objects_.empty() ? nullptr : &objects_[choices_.below(static_cast<std::uint32_t>(objects_.size()))];
+    }
+
+    const Member& anyMember(const Object& object) {
+        return (*object.members)[choices_.below(static_cast<std::uint32_t>(object.members->size()))];
     }
 
     void act() {
@@ -253,7 +270,7 @@ private:
     // -- calls by identifier
 
     static bool touchesFiles(const Object& object, DISPID id) {
-        return std::any_of(object.members.begin(), object.members.end(),
+        return std::any_of(object.members->begin(), object.members->end(),
                            [&](const Member& member) { return member.id == id && member.name.ends_with(u"FromFile"); });
     }
 
@@ -261,10 +278,10 @@ private:
         Object* const found = anyObject();
         if (found == nullptr) return;
         const Object object = *found;
-        const Member& member = object.members[choices_.below(static_cast<std::uint32_t>(object.members.size()))];
+        const Member& member = anyMember(object);
         const DISPID id = choices_.oneIn(16) ? choices_.bits<DISPID>() : member.id;
         if (touchesFiles(object, id)) return;
-        const WORD flags = static_cast<WORD>(choices_.oneIn(16) ? choices_.byte() : member.kind);
+        const WORD flags = choices_.oneIn(16) ? choices_.byte() : static_cast<WORD>(member.kind);
 
         Arguments arguments;
         makeArguments(arguments, member);
@@ -438,7 +455,7 @@ private:
     void nameMembers() {
         Object* const object = anyObject();
         if (object == nullptr) return;
-        const Member& member = object->members[choices_.below(static_cast<std::uint32_t>(object->members.size()))];
+        const Member& member = anyMember(*object);
         std::array<std::u16string, 2> names{choices_.oneIn(4) ? choices_.text() : member.name, choices_.text()};
         std::array<OLECHAR*, 2> passed{};
         for (std::size_t i = 0; i < names.size(); ++i) passed[i] = reinterpret_cast<OLECHAR*>(names[i].data());
