@@ -14,6 +14,9 @@ namespace {
 
 using namespace corvane;
 
+// What libFuzzer takes.
+constexpr std::size_t longestWord = 64;
+
 void write(std::string_view word) {
     std::string line = "\"";
     for (const char unit : word) {
@@ -39,9 +42,8 @@ void writeStatements() {
             parameters += (type & ptNumber) != 0 ? "1" : isLabel ? "L" : "\"t\"";
         }
         write(written(definition.Name) + "(");
-        // A word of a dictionary has 64 bytes at most.
         const std::string statement = "\n" + written(definition.Name) + "(" + parameters + ")";
-        if (statement.size() <= 64) write(statement);
+        if (statement.size() <= longestWord) write(statement);
     }
 }
 
@@ -79,13 +81,26 @@ void writeScriptWords() {
         write(word);
 }
 
-void writeAnswersWords() {
-    std::set<std::string_view> arguments;
-    for (const EventRow& row : eventTable) {
-        write("\"" + std::string(row.name) + "\":[{\"answer\":{}}]");
-        for (std::size_t i = 0; i < row.argumentCount; ++i) arguments.insert(row.arguments[i].name);
+std::string valueOf(ValueType type) {
+    switch (type) {
+        case ValueType::Text: return "\"t\"";
+        case ValueType::Boolean: return "true";
+        default: return "1";
     }
-    for (const std::string_view argument : arguments) write("\"" + std::string(argument) + "\":");
+}
+
+void writeAnswersWords() {
+    std::set<std::string> arguments;
+    for (const EventRow& row : eventTable) {
+        for (std::size_t i = 0; i < row.argumentCount; ++i) {
+            const EventArgument& argument = row.arguments[i];
+            const std::string answer = "\"" + std::string(argument.name) + "\":" + valueOf(argument.type);
+            const std::string event = "\"" + std::string(row.name) + "\":[{\"answer\":{" + answer + "}}]";
+            arguments.insert(answer);
+            if (event.size() <= longestWord) write(event);
+        }
+    }
+    for (const std::string& argument : arguments) write(argument);
     for (const MessageButton& button : messageButtons()) write("\"" + std::string(button.word) + "\"");
     for (const std::string_view word : {"\"events\":{}", "\"dialogs\":{}", "\"messages\":[]", "\"inputs\":[]",
                                         "\"occurrence\":1", "\"answer\":", "\"finishLoopAfter\":1", "{\"cancel\":true}",

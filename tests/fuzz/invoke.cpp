@@ -330,13 +330,22 @@ private:
 
     VARIANT argument(Arguments& arguments, VARTYPE wanted) {
         if (wanted == VT_SAFEARRAY) wanted = VT_ARRAY | VT_BSTR;
-        if (wanted == VT_EMPTY || choices_.oneIn(8)) wanted = anyType();
+        const bool isNumber = wanted == VT_I4 || wanted == VT_R4 || wanted == VT_BOOL;
+        if (wanted == VT_EMPTY || choices_.oneIn(8))
+            wanted = anyType();
+        else if (isNumber && choices_.oneIn(4))
+            wanted = anyNumber();
         const std::uint32_t form = choices_.below(16);
         if (form < 8 && wanted != (VT_ARRAY | VT_BSTR) && wanted != VT_VARIANT) return direct(wanted);
         if (form == 8) return leftOut();
         if (form == 9) return nullReference(wanted);
         if (form >= 13 || wanted == VT_VARIANT) return variantReference(arguments, wanted);
         return reference(arguments, wanted);
+    }
+
+    VARTYPE anyNumber() {
+        static constexpr std::array<VARTYPE, 8> types = {VT_I1, VT_UI1, VT_I2, VT_I4, VT_UI4, VT_R4, VT_R8, VT_BOOL};
+        return types[choices_.below(types.size())];
     }
 
     VARTYPE anyType() {
