@@ -350,10 +350,14 @@ namespace corvane {
 
 /// Of interfaces only.
 HRESULT loadTypeInfo(REFGUID id, ComReference<ITypeInfo>& information) noexcept {
-    const auto members = publishedMembers().find(textOf(id));
-    if (members == publishedMembers().end()) return TYPE_E_ELEMENTNOTFOUND;
-    information = ComReference<ITypeInfo>(new InterfaceInformation(id, TKIND_DISPATCH, members->second));
-    return S_OK;
+    try {
+        const auto members = publishedMembers().find(textOf(id));
+        if (members == publishedMembers().end()) return TYPE_E_ELEMENTNOTFOUND;
+        information = ComReference<ITypeInfo>(new InterfaceInformation(id, TKIND_DISPATCH, members->second));
+        return S_OK;
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 }  // namespace corvane

@@ -390,14 +390,14 @@ private:
             case VT_BOOL: copy(variantBool(choices_.oneIn(2))); break;
             case VT_R4: copy(choices_.single()); break;
             case VT_R8: copy(static_cast<double>(choices_.single())); break;
-            case VT_BSTR: copy(choices_.oneIn(16) ? BSTR{} : newText(text())); break;
+            case VT_BSTR: *static_cast<BSTR*>(cell) = choices_.oneIn(16) ? nullptr : newText(text()); break;
             case VT_CY:
             case VT_DATE:
             case VT_I8: copy(choices_.bits<std::int64_t>()); break;
             case VT_DISPATCH:
-            case VT_UNKNOWN: copy(anyFace()); break;
+            case VT_UNKNOWN: *static_cast<IUnknown**>(cell) = anyFace(); break;
             case VT_ARRAY | VT_BSTR:
-            case VT_ARRAY | VT_VARIANT: copy(array(type)); break;
+            case VT_ARRAY | VT_VARIANT: *static_cast<SAFEARRAY**>(cell) = array(type); break;
             default: copy(choices_.longInteger()); break;
         }
     }
