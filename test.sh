@@ -3,9 +3,9 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug windows-x64 windows-x86 command lint; without names, all of them. A failed step does
-# not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may read to do
-# its long version.
+# Steps: format tree native-debug windows-x64 windows-x86 command fuzz lint; without names, all of them. A failed step
+# does not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may read to
+# do its long version.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
@@ -14,14 +14,14 @@ steps=()
 for argument in "$@"; do
     case $argument in
         --long) export CORVANE_LONG=1 ;;
-        format | tree | native-debug | windows-x64 | windows-x86 | command | lint) steps+=("$argument") ;;
+        format | tree | native-debug | windows-x64 | windows-x86 | command | fuzz | lint) steps+=("$argument") ;;
         *)
             sed -n '2,/^set /{/^set /!s/^# \{0,1\}//p}' "$0" >&2
             exit 64
             ;;
     esac
 done
-if [ ${#steps[@]} = 0 ]; then steps=(format tree native-debug windows-x64 windows-x86 command lint); fi
+if [ ${#steps[@]} = 0 ]; then steps=(format tree native-debug windows-x64 windows-x86 command fuzz lint); fi
 
 logs=build/test-logs
 mkdir -p "$logs"
@@ -124,6 +124,7 @@ for step in "${steps[@]}"; do
             check 'scripts' checkScripts
             ;;
         command) check 'command' checkCommand ;;
+        fuzz) check 'fuzz' tools/fuzz ${CORVANE_LONG:+--long} ;;
         lint) check 'lint' lint ;;
         *) buildAndTest "$step" ;;
     esac

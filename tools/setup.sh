@@ -5,7 +5,7 @@
 #
 #   native    build and run on this machine        windows   cross build, and Wine to run what was built
 #   tests     what the tests themselves need       checks    format, static analysis, scripts
-#   all       everything above
+#   fuzz      the fuzz targets                     all       everything
 set -euo pipefail
 
 native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
@@ -13,6 +13,7 @@ tests='libwine-dev locales mingw-w64-tools python3'
 windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-mingw-w64-i686-posix
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools wine64 xdotool xvfb'
 checks='clang-format clang-tidy git python3 shellcheck'
+fuzz='clang-14 libclang-rt-14-dev llvm-14 python3'
 
 asRoot() {
     if [ "$(id -u)" = 0 ]; then
@@ -68,8 +69,8 @@ fi
 packages=
 for group in "${groups[@]}"; do
     case $group in
-        native | tests | windows | checks) packages+=" ${!group}" ;;
-        all) packages+=" $native $tests $windows $checks" ;;
+        native | tests | windows | checks | fuzz) packages+=" ${!group}" ;;
+        all) packages+=" $native $tests $windows $checks $fuzz" ;;
         *)
             echo "setup.sh: no such group: $group" >&2
             exit 64

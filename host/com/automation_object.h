@@ -105,7 +105,7 @@ protected:
     /// call's error, null pointers among `pointers` are refused.
     template <typename Body, typename... Pointers>
     HRESULT call(Body&& body, const Pointers*... pointers) noexcept {
-        if ((... || (pointers == nullptr))) {
+        if ((... || !pointers)) {
             SetErrorInfo(0, nullptr);
             return E_POINTER;
         }

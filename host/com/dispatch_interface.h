@@ -24,7 +24,7 @@ public:
     /// Calls a member of `object`, which points to the interface's own vtable. Arguments are converted as the platform
     /// converts them; what the member changes by reference comes back in the type of a typed variable, and in the
     /// parameter's own type in a variant.
-    HRESULT invoke(IDispatch* object, DISPID member, WORD flags, LCID locale, DISPPARAMS* arguments, VARIANT* result,
+    HRESULT invoke(IDispatch* object, DISPID id, WORD flags, LCID locale, DISPPARAMS* arguments, VARIANT* result,
                    EXCEPINFO* exception, UINT* faultyArgument) const noexcept;
 
 private:

@@ -21,14 +21,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
 
+#include "host/com/automation.h"
 #include "host/com/component_services.h"
-#include "host/com/dispatch_interface.h"
-#include "host/com/type_library.h"
-#include "platform/automation_error.h"
 #include "platform/utf8.h"
-#include "platform/value_rules.h"
 
 extern "C" {
 
@@ -259,32 +255,6 @@ HRESULT WINAPI VariantCopyInd(VARIANT* target, const VARIANTARG* source) {
     return VariantCopy(target, &direct);
 }
 
-/// To VT_I4 only.
-HRESULT WINAPI VariantChangeType(VARIANTARG* target, const VARIANTARG* source, USHORT, VARTYPE type) {
-    using corvane::Value;
-    if (type != VT_I4) return E_NOTIMPL;
-    Value value;
-    switch (V_VT(source)) {
-        case VT_UI1: value = Value::ofInteger(V_UI1(source)); break;
-        case VT_I2: value = Value::ofInteger(V_I2(source)); break;
-        case VT_I4: value = Value::ofLong(V_I4(source)); break;
-        case VT_I8: value = Value::ofDouble(static_cast<double>(V_I8(source))); break;
-        case VT_R4: value = Value::ofSingle(V_R4(source)); break;
-        case VT_R8: value = Value::ofDouble(V_R8(source)); break;
-        case VT_BOOL: value = Value::ofBoolean(V_BOOL(source) != 0); break;
-        default: return DISP_E_TYPEMISMATCH;
-    }
-    try {
-        const LONG number = corvane::portable::toLong(value, corvane::NumberLocale::pointDecimal());
-        VariantClear(target);
-        V_VT(target) = VT_I4;
-        V_I4(target) = number;
-        return S_OK;
-    } catch (const corvane::automation_error&) {
-        return DISP_E_OVERFLOW;
-    }
-}
-
 }  // extern "C"
 
 // ------------------------------------------------------------------------------------------------- error information
@@ -385,20 +355,7 @@ HRESULT WINAPI GetErrorInfo(ULONG, IErrorInfo** information) {
 
 namespace corvane {
 
-// -------------------------------------------------------------------------------- the parts that only the DLL has
-
-// Late binding goes by the type library, which only the platform can read.
-
-HRESULT loadTypeInfo(REFGUID, ComReference<ITypeInfo>&) noexcept { return TYPE_E_CANTLOADLIBRARY; }
-
-const DispatchInterface& DispatchInterface::of(const IID&) { throw std::runtime_error("there is no type library"); }
-
-HRESULT DispatchInterface::identifiersOf(OLECHAR**, UINT, DISPID*) const noexcept { return E_NOTIMPL; }
-
-HRESULT DispatchInterface::invoke(IDispatch*, DISPID, WORD, LCID, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                  UINT*) const noexcept {
-    return E_NOTIMPL;
-}
+// ------------------------------------------------------------------------------------- the operator and the messages
 
 namespace {
 
