@@ -30,6 +30,12 @@ Value sampleOf(const EventArgument& argument, std::size_t position, clsDataSetPa
     }
 }
 
+/// One object's, for all deliveries: what a sink has done to the arguments once must not show in the next event.
+KeptArguments& kept() {
+    static KeptArguments arguments;
+    return arguments;
+}
+
 /// An event with sample values, and its way to sinks.
 class Delivery {
 public:
@@ -55,7 +61,7 @@ private:
 
     Reference<clsDataSetParameters> record_ = makeReference<clsDataSetParameters>();
     Event event_;
-    EventDelivery delivery_{event_};
+    EventDelivery delivery_{event_, kept()};
 };
 
 /// A sink that sees the whole call.
@@ -180,7 +186,7 @@ std::string lineOf(Event& event) {
         line = show(id, arguments);
         return S_OK;
     });
-    EventDelivery(event).deliverTo(reader, FloatingPointState::present());
+    EventDelivery(event, kept()).deliverTo(reader, FloatingPointState::present());
     return line;
 }
 
