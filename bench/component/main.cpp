@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <memory>
 
@@ -16,7 +17,7 @@ namespace corvane::bench {
 namespace {
 
 // Each round is so short that most of them run without interruption, whatever else the machine does.
-constexpr std::size_t rounds = 101;
+constexpr std::size_t rounds = 41;
 
 double nanosecondsOf(const std::function<void()>& work) {
     const auto begin = std::chrono::steady_clock::now();
@@ -110,37 +111,45 @@ Comparison eventComparison(const char* what, HostEvent kind, double must, double
             stretch};
 }
 
+// What a run costs at its start must not show in its statements.
+constexpr std::size_t statementsInTurn = 100;
+constexpr std::size_t turns = 100;
+constexpr std::size_t statementsInRun = statementsInTurn * turns;
+
+constexpr std::size_t eventsInRun(std::size_t eventsOfStatement) {
+    constexpr std::size_t eventsOfLoop = 4;
+    return turns * (statementsInTurn * eventsOfStatement + eventsOfLoop);
+}
+
 /// A script of one statement over and over, in a control of its own.
-std::shared_ptr<DllHost> hostOf(const LoadedDll& dll, const std::u16string& call, std::size_t statements) {
+std::shared_ptr<DllHost> hostOf(const LoadedDll& dll, const std::u16string& call) {
     auto host = std::make_shared<DllHost>(dll);
-    HostText text(repeated(call, statements, scriptNotation));
+    HostText text(looped(call, statementsInTurn, turns));
     host->load(text);
     return host;
 }
 
 Measurement dllStatement(LoadedDll& dll, const std::u16string& call, std::size_t events) {
-    constexpr std::size_t statements = 1000;
-    const auto host = hostOf(dll, call, statements);
-    return {"DLL", statements, [host, &dll, events] {
+    const auto host = hostOf(dll, call);
+    return {"DLL", statementsInRun, [host, &dll, events] {
                 dll.use(LoadedDll::Queue::LeftOut);
-                const double time = nanosecondsOf([&] { host->run(events * statements); });
+                const double time = nanosecondsOf([&] { host->run(eventsInRun(events)); });
                 dll.use(LoadedDll::Queue::Real);
                 return time;
             }};
 }
 
 Measurement dllStatementAndYield(LoadedDll& dll, const std::u16string& call) {
-    constexpr std::size_t statements = 50;
-    const auto host = hostOf(dll, call, statements);
+    const auto host = hostOf(dll, call);
     dll.use(LoadedDll::Queue::Counted);
-    host->run(3 * statements);
-    require(LoadedDll::queueCalls() == statements, "a statement does not call the queue once");
+    host->run(eventsInRun(3));
+    require(LoadedDll::queueCalls() == statementsInRun + 2 * turns, "a statement does not call the queue once");
     dll.use(LoadedDll::Queue::Real);
-    return timed("DLL", statements, [host] { host->run(3 * statements); });
+    return timed("DLL", statementsInRun + 2 * turns, [host] { host->run(eventsInRun(3)); });
 }
 
 Measurement bareYield() {
-    constexpr std::size_t calls = 50;
+    constexpr std::size_t calls = statementsInRun;
     return timed("PeekMessage", calls, [] {
         MSG message;
         for (std::size_t i = 0; i < calls; ++i) {
@@ -243,12 +252,15 @@ void print(const std::vector<Comparison>& all) {
 }  // namespace
 }  // namespace corvane::bench
 
-int main() {
+// Given a word: only the rows that bear it.
+int main(int count, char** words) {
     using namespace corvane::bench;
     try {
         CoInitialize(nullptr);
         LoadedDll dll(CORVANE_COMPONENT);
         std::vector<Comparison> all = comparisons(dll);
+        if (count > 1)
+            std::erase_if(all, [&](const Comparison& row) { return std::strstr(row.what, words[1]) == nullptr; });
         measure(all);
         print(all);
         return 0;

@@ -41,7 +41,7 @@ ScriptPeer::ScriptPeer(const CLSID& language, ScriptHost& host) : host_(host) {
     parser_ = queryFor<IActiveScriptParse>(engine_.get(), __uuidof(IActiveScriptParse));
     require(parser_->InitNew(), "start");
     require(engine_->SetScriptSite(this), "take its site");
-    require(engine_->AddNamedItem(L"host", SCRIPTITEM_ISVISIBLE), "take its host");
+    require(engine_->AddNamedItem(L"host", SCRIPTITEM_ISVISIBLE | SCRIPTITEM_GLOBALMEMBERS), "take its host");
     require(engine_->SetScriptState(SCRIPTSTATE_CONNECTED), "begin");
 }
 

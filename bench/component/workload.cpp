@@ -18,7 +18,7 @@ std::u16string statementAt(std::size_t line) {
 }
 
 std::u16string asItIs(const std::u16string& call) { return call; }
-std::u16string ofHost(const std::u16string& call) { return u"ok = host." + call; }
+std::u16string ofHost(const std::u16string& call) { return u"ok = " + call; }
 
 }  // namespace
 
@@ -38,16 +38,16 @@ const Notation jscriptText{u"function Work() {\r\n", u"}\r\n",
 const Notation vbscriptWork{u"Sub Work\r\nDim ok, Count\r\nCount = 0\r\n",
                             u"End Sub\r\n",
                             [](const std::u16string& call) {
-                                return u"If host.FunctionCalled(26, True) Then " + ofHost(call) +
-                                       u"\r\nIf Not host.KeepGoing() Then Exit Sub";
+                                return u"If FunctionCalled(26, True) Then " + ofHost(call) +
+                                       u"\r\nIf Not KeepGoing() Then Exit Sub";
                             },
                             {},
                             {}};
 const Notation jscriptWork{u"function Work() {\r\nvar ok, Count = 0;\r\n",
                            u"}\r\n",
                            [](const std::u16string& call) {
-                               return u"if (host.FunctionCalled(26, true)) " + ofHost(call) +
-                                      u";\r\nif (!host.KeepGoing()) return;";
+                               return u"if (FunctionCalled(26, true)) " + ofHost(call) +
+                                      u";\r\nif (!KeepGoing()) return;";
                            },
                            {},
                            {}};
@@ -56,6 +56,11 @@ std::u16string repeated(const std::u16string& call, std::size_t times, const Not
     std::u16string text = notation.head;
     for (std::size_t i = 0; i < times; ++i) text.append(notation.statement(call)).append(u"\r\n");
     return text.append(notation.tail);
+}
+
+std::u16string looped(const std::u16string& call, std::size_t times, std::size_t turns) {
+    return u"VAR Turn = 0\r\nAgain:\r\n" + repeated(call, times, scriptNotation) +
+           u"Increment(Turn)\r\nIfLessThan(Turn, " + number(turns) + u", Again)";
 }
 
 std::u16string mix(std::size_t lines, const Notation& notation) {

@@ -36,6 +36,9 @@ inline const std::u16string mixedCall =
 /// One statement, again and again.
 std::u16string repeated(const std::u16string& call, std::size_t times, const Notation& notation);
 
+/// The same as the component's script, so many times in each of so many turns of a loop, which has two statements.
+std::u16string looped(const std::u16string& call, std::size_t times, std::size_t turns);
+
 /// A long script: one third `SCTest` with 13 numbers, one third `MoveToHeight` with 4, one third `Info` with a text;
 /// of each hundred lines one is a label and one a conditional jump.
 std::u16string mix(std::size_t lines, const Notation& notation);

@@ -1,8 +1,10 @@
 #include "host/com/event_dispatch.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "host/com/records_com.h"
 #include "platform/automation_error.h"
@@ -23,27 +25,26 @@ VARTYPE publishedType(const EventArgument& argument) {
     }
 }
 
-std::uint32_t bitsOf(float number) { return std::bit_cast<std::uint32_t>(number); }
+std::uint32_t bitsOf(const Value& number) noexcept {
+    return number.type() == ValueType::Single ? std::bit_cast<std::uint32_t>(number.single())
+                                              : static_cast<std::uint32_t>(number.longInteger());
+}
+
+Value numberOf(std::uint32_t bits, ValueType type) noexcept {
+    return type == ValueType::Single ? Value::ofSingle(std::bit_cast<float>(bits))
+                                     : Value::ofLong(static_cast<std::int32_t>(bits));
+}
 
 /// How many bytes a text has: they stand before it.
-std::uint32_t byteLengthOf(BSTR text) {
+std::uint32_t byteLengthOf(BSTR text) noexcept {
     std::uint32_t length = 0;
     std::memcpy(&length, reinterpret_cast<const std::byte*>(text) - sizeof length, sizeof length);
     return length;
 }
 
-/// Makes `text`, which a sink may have written over, freed or replaced, a text of that content.
-void writeText(BSTR& text, std::u16string_view content) {
-    const std::size_t bytes = content.size() * sizeof(OLECHAR);
-    if (text == nullptr) {
-        text = newText(content);
-    } else if (byteLengthOf(text) == bytes) {
-        std::memcpy(text, content.data(), bytes);
-        text[content.size()] = 0;
-    } else if (!SysReAllocStringLen(&text, reinterpret_cast<const OLECHAR*>(content.data()),
-                                    static_cast<UINT>(content.size()))) {
-        throw automation_error(ErrorNumber::OutOfMemory);
-    }
+/// Whether the text has that many code units and a proper end.
+bool isOfLength(BSTR text, std::size_t length) noexcept {
+    return text != nullptr && byteLengthOf(text) == length * sizeof(OLECHAR) && text[length] == 0;
 }
 
 /// The details of a failed call, which nobody here asks for.
@@ -81,88 +82,108 @@ HRESULT invoke(IDispatch& sink, DISPID event, DISPPARAMS parameters, const Float
 }  // namespace
 
 EventArguments::EventArguments(const EventRow& row) : count_(row.argumentCount) {
-    for (std::size_t place = 0; place < count_; ++place) {
-        types_[place] = publishedType(row.arguments[count_ - 1 - place]);
-        cells_[place].text = nullptr;
-        prepare(place);
+    for (std::size_t i = 0; i < count_; ++i) {
+        places_[i].type = publishedType(row.arguments[count_ - 1 - i]);
+        places_[i].cell.text = nullptr;
+        prepare(i);
     }
 }
 
 EventArguments::~EventArguments() {
-    for (std::size_t place = 0; place < count_; ++place)
-        if ((types_[place] & ~VT_BYREF) == VT_BSTR) SysFreeString(values_[place]->text);
+    for (std::size_t i = 0; i < count_; ++i)
+        if ((places_[i].type & ~VT_BYREF) == VT_BSTR) SysFreeString(places_[i].value->text);
 }
 
 void EventArguments::prepare(std::size_t place) noexcept {
     VARIANTARG& variant = variants_[place];
+    Place& prepared = places_[place];
     VariantInit(&variant);
-    V_VT(&variant) = types_[place];
-    if ((types_[place] & VT_BYREF) != 0) {
-        values_[place] = &cells_[place];
-        V_BYREF(&variant) = &cells_[place];
+    V_VT(&variant) = prepared.type;
+    if ((prepared.type & VT_BYREF) != 0) {
+        prepared.value = &prepared.cell;
+        V_BYREF(&variant) = &prepared.cell;
     } else {
-        values_[place] = reinterpret_cast<Cell*>(&V_BYREF(&variant));
-        values_[place]->text = nullptr;
+        prepared.value = reinterpret_cast<Cell*>(&V_BYREF(&variant));
+        prepared.value->text = nullptr;
     }
 }
 
 void EventArguments::write(const Event& event, IDispatch* object) {
-    for (std::size_t place = 0; place < count_; ++place) {
-        Cell& cell = *values_[place];
-        const Value& value = event.argument(count_ - 1 - place);
+    for (std::size_t i = 0; i < count_; ++i) {
+        const Value& value = event.argument(count_ - 1 - i);
         switch (value.type()) {
-            case ValueType::Text: writeText(cell.text, value.textView()); break;
-            case ValueType::Single: cell.single = value.single(); break;
-            case ValueType::Boolean: cell.boolean = variantBool(value.boolean()); break;
+            case ValueType::Text: writeText(places_[i], value); break;
+            case ValueType::Boolean: places_[i].value->boolean = variantBool(value.boolean()); break;
             case ValueType::Object:
                 object->AddRef();
-                V_DISPATCH(&variants_[place]) = object;
-                V_VT(&variants_[place]) = VT_DISPATCH;
+                V_DISPATCH(&variants_[i]) = object;
+                V_VT(&variants_[i]) = VT_DISPATCH;
                 break;
-            default: cell.longInteger = value.longInteger(); break;
+            default: places_[i].value->number = bitsOf(value); break;
         }
     }
 }
 
+void EventArguments::writeText(Place& place, const Value& value) {
+    const std::u16string_view content = value.textView();
+    BSTR& text = place.value->text;
+    const bool fits = isOfLength(text, content.size());
+    const Text known = std::exchange(place.known, Text());
+    // The same text, not only an equal one: a statement that is carried out again brings it again.
+    if (fits && known.view().data() == content.data()) return;
+    if (text == nullptr) {
+        text = newText(content);
+    } else if (fits) {
+        std::memcpy(text, content.data(), content.size() * sizeof(OLECHAR));
+    } else if (!SysReAllocStringLen(&text, reinterpret_cast<const OLECHAR*>(content.data()),
+                                    static_cast<UINT>(content.size()))) {
+        throw automation_error(ErrorNumber::OutOfMemory);
+    }
+}
+
 void EventArguments::takeBack() noexcept {
-    for (std::size_t place = 0; place < count_; ++place) {
-        const VARIANTARG& variant = variants_[place];
-        const bool byReference = (types_[place] & VT_BYREF) != 0;
-        if (V_VT(&variant) != types_[place] || (byReference && V_BYREF(&variant) != &cells_[place])) takeBack(place);
+    for (std::size_t i = 0; i < count_; ++i) {
+        const VARIANTARG& variant = variants_[i];
+        const bool byReference = (places_[i].type & VT_BYREF) != 0;
+        if (V_VT(&variant) != places_[i].type || (byReference && V_BYREF(&variant) != &places_[i].cell)) takeBack(i);
     }
 }
 
 void EventArguments::takeBack(std::size_t place) noexcept {
     // A reference that a sink only tagged anew is still ours; everything else is released.
-    if (V_BYREF(&variants_[place]) != &cells_[place]) VariantClear(&variants_[place]);
+    if (V_BYREF(&variants_[place]) != &places_[place].cell) VariantClear(&variants_[place]);
     prepare(place);
 }
 
-bool EventArguments::differs(const Cell& cell, const Value& value) noexcept {
-    switch (value.type()) {
-        case ValueType::Text: return viewOf(cell.text) != value.textView();
-        case ValueType::Single: return bitsOf(cell.single) != bitsOf(value.single());
-        case ValueType::Boolean: return (cell.boolean != 0) != value.boolean();
-        default: return cell.longInteger != value.longInteger();
-    }
-}
-
-Value EventArguments::valueOf(const Cell& cell, ValueType type) {
-    switch (type) {
-        case ValueType::Text: return Value::ofText(viewOf(cell.text));
-        case ValueType::Single: return Value::ofSingle(cell.single);
-        case ValueType::Boolean: return Value::ofBoolean(cell.boolean != 0);
-        default: return Value::ofLong(cell.longInteger);
-    }
-}
-
-void EventArguments::answer(Event& event) const {
-    for (std::size_t place = 0; place < count_; ++place) {
-        if ((types_[place] & VT_BYREF) == 0) continue;
-        const std::size_t position = count_ - 1 - place;
+void EventArguments::answer(Event& event) {
+    // The first place is that of `tSucess`, the last argument.
+    event.succeed(places_[0].cell.boolean != 0);
+    for (std::size_t i = 1; i < count_; ++i) {
+        Place& place = places_[i];
+        if ((place.type & VT_BYREF) == 0) continue;
+        const std::size_t position = count_ - 1 - i;
         const Value& value = event.argument(position);
-        if (differs(cells_[place], value)) event.answer(position, valueOf(cells_[place], value.type()));
+        switch (value.type()) {
+            case ValueType::Text: answerText(place, event, position); break;
+            case ValueType::Boolean:
+                if (const bool truth = place.cell.boolean != 0; truth != value.boolean())
+                    event.answer(position, Value::ofBoolean(truth));
+                break;
+            default:
+                if (place.cell.number != bitsOf(value))
+                    event.answer(position, numberOf(place.cell.number, value.type()));
+        }
     }
+}
+
+void EventArguments::answerText(Place& place, Event& event, std::size_t position) {
+    const Value& value = event.argument(position);
+    const std::u16string_view content = value.textView();
+    const BSTR text = place.cell.text;
+    if (isOfLength(text, content.size()) && std::equal(content.begin(), content.end(), text))
+        place.known = value.text();
+    else
+        event.answer(position, Value::ofText(viewOf(text)));
 }
 
 IDispatch* EventDelivery::object() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <memory>
 
 #include "engine/event.h"
@@ -28,29 +29,32 @@ public:
     DISPPARAMS parameters() noexcept { return {variants_.data(), nullptr, static_cast<UINT>(count_), 0}; }
     /// After a sink: releases what it put in the place of an argument, and the object.
     void takeBack() noexcept;
-    /// Answers `event` with what was written by reference.
-    void answer(Event& event) const;
+    /// Answers `event` with what a sink wrote by reference.
+    void answer(Event& event);
 
 private:
-    /// Where the value of an argument stands: in its variant, or where its variant refers to.
+    /// The value of an argument, in its variant or where its variant refers to.
     union Cell {
-        float single;
-        LONG longInteger;
+        std::uint32_t number;  // the bits of a single or a long
         VARIANT_BOOL boolean;
         BSTR text;
+    };
+    struct Place {
+        VARTYPE type;  // as the variant's is while no sink has it
+        Cell* value;
+        Cell cell;   // for what is passed by reference
+        Text known;  // the content of the automation text that stands there, where it was seen since the last sink
     };
 
     void prepare(std::size_t place) noexcept;
     void takeBack(std::size_t place) noexcept;
-    static bool differs(const Cell& cell, const Value& value) noexcept;
-    static Value valueOf(const Cell& cell, ValueType type);
+    static void writeText(Place& place, const Value& value);
+    static void answerText(Place& place, Event& event, std::size_t position);
 
     const std::size_t count_;
-    // Automation counts arguments from the last, and so do the places in all of these.
+    // Automation counts arguments from the last, and so do the places.
     std::array<VARIANTARG, maximumEventArguments> variants_;
-    std::array<Cell, maximumEventArguments> cells_;  // what by-reference arguments refer to
-    std::array<Cell*, maximumEventArguments> values_;
-    std::array<VARTYPE, maximumEventArguments> types_;  // as they are while no sink has them
+    std::array<Place, maximumEventArguments> places_;
 };
 
 /// The arguments that an object keeps for its next events. Whoever takes some has them alone: an event that is raised
