@@ -113,7 +113,7 @@ Comparison eventComparison(const char* what, HostEvent kind, double must, double
 
 // What a run costs at its start must not show in its statements.
 constexpr std::size_t statementsInTurn = 100;
-constexpr std::size_t turns = 100;
+constexpr std::size_t turns = 20;
 constexpr std::size_t statementsInRun = statementsInTurn * turns;
 
 constexpr std::size_t eventsInRun(std::size_t eventsOfStatement) {

@@ -2,20 +2,17 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 
 #include "host/com/enumerator.h"
 
 namespace corvane {
 namespace {
 
-/// The connections as they were when the enumeration began. A list of its own, since hosts release enumerators on any
-/// thread.
+/// The connections as they were when the enumeration began. Hosts release enumerators on any thread.
 class Connections {
 public:
-    explicit Connections(const SinkList& sinks)
-        : sinks_(std::make_shared<const AdvisedSinks>(sinks.begin(), sinks.end())) {}
-    std::size_t count() const { return sinks_->size(); }
+    explicit Connections(const SinkList& sinks) : sinks_(sinks.everywhere()) {}
+    std::size_t count() const { return sinks_ ? sinks_->size() : 0; }
     bool item(std::size_t position, CONNECTDATA& connection) const {
         if (position >= count()) return false;
         const AdvisedSink& advised = (*sinks_)[position];
@@ -122,12 +119,7 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
 }
 
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** enumerator) {
-    try {
-        return handOutEnumerator<IEnumConnections, CONNECTDATA>(IID_IEnumConnections, Connections(sinks_), enumerator);
-    } catch (const std::bad_alloc&) {
-        if (enumerator != nullptr) *enumerator = nullptr;
-        return E_OUTOFMEMORY;
-    }
+    return handOutEnumerator<IEnumConnections, CONNECTDATA>(IID_IEnumConnections, Connections(sinks_), enumerator);
 }
 
 HRESULT enumerateConnectionPoints(IConnectionPoint* point, IEnumConnectionPoints** enumerator) noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,12 +18,14 @@ using AdvisedSinks = std::vector<AdvisedSink>;
 
 /// The sinks in the order of advising. A list is never changed, only replaced; whoever holds one holds all its sinks,
 /// whatever they do meanwhile. Copies share it, and are counted without atomics, since every event holds one: all
-/// copies stay on the thread of the object.
+/// copies stay on the thread of the object. What may leave the thread holds `everywhere()`.
 class SinkList {
 public:
     SinkList() noexcept = default;
     /// Throws std::bad_alloc.
-    explicit SinkList(AdvisedSinks sinks) : shared_(sinks.empty() ? nullptr : new Shared{std::move(sinks), 1}) {}
+    explicit SinkList(AdvisedSinks sinks) {
+        if (!sinks.empty()) shared_ = new Shared{std::make_shared<const AdvisedSinks>(std::move(sinks)), 1};
+    }
     SinkList(const SinkList& other) noexcept : shared_(other.shared_) {
         if (shared_ != nullptr) ++shared_->uses;
     }
@@ -36,14 +39,16 @@ public:
     }
 
     bool empty() const noexcept { return shared_ == nullptr; }
-    const AdvisedSink* begin() const noexcept { return empty() ? nullptr : shared_->sinks.data(); }
-    const AdvisedSink* end() const noexcept { return empty() ? nullptr : begin() + shared_->sinks.size(); }
+    const AdvisedSink* begin() const noexcept { return empty() ? nullptr : shared_->sinks->data(); }
+    const AdvisedSink* end() const noexcept { return empty() ? nullptr : begin() + shared_->sinks->size(); }
+    /// The same sinks for holders on any thread; null for none.
+    std::shared_ptr<const AdvisedSinks> everywhere() const noexcept { return empty() ? nullptr : shared_->sinks; }
     /// Whether it is the same list, not only an equal one.
     friend bool operator==(const SinkList&, const SinkList&) noexcept = default;
 
 private:
     struct Shared {
-        AdvisedSinks sinks;
+        std::shared_ptr<const AdvisedSinks> sinks;
         std::size_t uses;
     };
 
