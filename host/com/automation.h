@@ -78,11 +78,13 @@ ComReference<Interface> queryFor(Other* object, REFIID id) {
 /// A variant that is cleared at the end of its life.
 class OwnedVariant {
 public:
-    OwnedVariant() noexcept { VariantInit(&variant_); }
+    OwnedVariant() noexcept { V_VT(&variant_) = VT_EMPTY; }
     OwnedVariant(OwnedVariant&& other) noexcept { other.moveTo(variant_); }
     OwnedVariant(const OwnedVariant&) = delete;
     OwnedVariant& operator=(const OwnedVariant&) = delete;
-    ~OwnedVariant() { VariantClear(&variant_); }
+    ~OwnedVariant() {
+        if (V_VT(&variant_) != VT_EMPTY) VariantClear(&variant_);
+    }
 
     VARIANT* get() noexcept { return &variant_; }
     const VARIANT* get() const noexcept { return &variant_; }
@@ -91,7 +93,7 @@ public:
     /// Hands the content to `target`, which holds nothing that needs release.
     void moveTo(VARIANT& target) noexcept {
         target = variant_;
-        VariantInit(&variant_);
+        V_VT(&variant_) = VT_EMPTY;
     }
 
 private:

@@ -10,16 +10,15 @@
 namespace corvane {
 namespace {
 
-class ScriptControlObject final : public AutomationObject<_clsScriptControl>,
-                                  public IConnectionPointContainer,
-                                  private EventSink {
+class ScriptControlObject final : public AutomationObject<_clsScriptControl>, public IConnectionPointContainer {
 public:
     ScriptControlObject()
         : AutomationObject(publishedScriptControl),
           services_(hostArithmetic()),
           control_({services_, services_}),
-          events_(*this, DIID___clsScriptControl) {
-        control_.setEventSink(this);
+          events_(*this, DIID___clsScriptControl),
+          relay_(events_, hostArithmetic()) {
+        control_.setEventSink(&relay_);
     }
 
     // IUnknown
@@ -146,19 +145,10 @@ private:
         return AutomationObject::interfaceFor(id);
     }
 
-    void raise(Event& event) override {
-        // Held as it is: a sink may advise and unadvise, itself and others.
-        const std::shared_ptr<const AdvisedSinks> sinks = events_.sinks();
-        if (!sinks) return;
-        EventDelivery delivery(event);
-        for (const AdvisedSink& advised : *sinks)
-            if (events_.sinks() == sinks || events_.isAdvised(advised.cookie))
-                delivery.deliverTo(*advised.sink.get(), *hostArithmetic());
-    }
-
     HostSideServices services_;
     clsScriptControl control_;
     ConnectionPoint events_;
+    EventRelay relay_;
 };
 
 }  // namespace

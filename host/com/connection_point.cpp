@@ -8,10 +8,10 @@
 namespace corvane {
 namespace {
 
-/// The connections as they were when the enumeration began.
+/// The connections as they were when the enumeration began. Hosts release enumerators on any thread.
 class Connections {
 public:
-    explicit Connections(std::shared_ptr<const AdvisedSinks> sinks) : sinks_(std::move(sinks)) {}
+    explicit Connections(const SinkList& sinks) : sinks_(sinks.everywhere()) {}
     std::size_t count() const { return sinks_ ? sinks_->size() : 0; }
     bool item(std::size_t position, CONNECTDATA& connection) const {
         if (position >= count()) return false;
@@ -54,12 +54,12 @@ HRESULT handOutEnumerator(const IID& interfaceId, Source source, Interface** enu
 
 ConnectionPoint::~ConnectionPoint() {
     // A sink may unadvise itself once more on its way; by then there is no list.
-    const std::shared_ptr<const AdvisedSinks> released = std::move(sinks_);
+    const SinkList released = std::move(sinks_);
 }
 
 bool ConnectionPoint::isAdvised(DWORD cookie) const noexcept {
-    return sinks_ && std::any_of(sinks_->begin(), sinks_->end(),
-                                 [&](const AdvisedSink& advised) { return advised.cookie == cookie; });
+    return std::any_of(sinks_.begin(), sinks_.end(),
+                       [&](const AdvisedSink& advised) { return advised.cookie == cookie; });
 }
 
 HRESULT ConnectionPoint::QueryInterface(REFIID id, void** object) {
@@ -92,10 +92,10 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
     if (!dispatch) return CONNECT_E_CANNOTCONNECT;
     if (lastCookie_ == std::numeric_limits<DWORD>::max()) return CONNECT_E_ADVISELIMIT;
     try {
-        // The list is never changed, only replaced: an event under way goes on over the list that it began with.
-        auto advised = std::make_shared<AdvisedSinks>(sinks_ ? *sinks_ : AdvisedSinks());
-        advised->push_back({std::move(dispatch), lastCookie_ + 1});
-        sinks_ = std::move(advised);
+        // An event under way goes on over the list that it began with.
+        AdvisedSinks advised(sinks_.begin(), sinks_.end());
+        advised.push_back({std::move(dispatch), lastCookie_ + 1});
+        sinks_ = SinkList(std::move(advised));
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }
@@ -105,12 +105,12 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
 
 HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
     if (!isAdvised(cookie)) return CONNECT_E_NOCONNECTION;
-    std::shared_ptr<const AdvisedSinks> before = sinks_;
+    const SinkList before = sinks_;
     try {
-        auto left = std::make_shared<AdvisedSinks>();
-        std::copy_if(before->begin(), before->end(), std::back_inserter(*left),
+        AdvisedSinks left;
+        std::copy_if(before.begin(), before.end(), std::back_inserter(left),
                      [&](const AdvisedSink& advised) { return advised.cookie != cookie; });
-        sinks_ = left->empty() ? nullptr : std::move(left);
+        sinks_ = SinkList(std::move(left));
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }

@@ -1,8 +1,10 @@
 #include "host/com/event_dispatch.h"
 
-#include <array>
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
+#include <utility>
 
 #include "host/com/records_com.h"
 #include "platform/automation_error.h"
@@ -11,151 +13,202 @@
 namespace corvane {
 namespace {
 
-VARTYPE publishedType(ValueType type) {
-    switch (type) {
-        case ValueType::Text: return VT_BSTR;
-        case ValueType::Single: return VT_R4;
-        case ValueType::Boolean: return VT_BOOL;
-        case ValueType::Object: return VT_DISPATCH;
-        default: return VT_I4;
+VARTYPE publishedType(const EventArgument& argument) {
+    const VARTYPE reference = argument.byReference ? VT_BYREF : 0;
+    switch (argument.type) {
+        case ValueType::Text: return VT_BSTR | reference;
+        case ValueType::Single: return VT_R4 | reference;
+        case ValueType::Boolean: return VT_BOOL | reference;
+        // The place of an object is empty while no sink has it.
+        case ValueType::Object: return VT_EMPTY;
+        default: return VT_I4 | reference;
     }
 }
 
-/// What a by-reference argument points to.
-union Cell {
-    float single;
-    LONG longInteger;
-    VARIANT_BOOL boolean;
-    BSTR text;
-};
+std::uint32_t bitsOf(const Value& number) noexcept {
+    return number.type() == ValueType::Single ? std::bit_cast<std::uint32_t>(number.single())
+                                              : static_cast<std::uint32_t>(number.longInteger());
+}
 
-/// The arguments of an event as one sink is handed them.
-class SinkArguments {
+Value numberOf(std::uint32_t bits, ValueType type) noexcept {
+    return type == ValueType::Single ? Value::ofSingle(std::bit_cast<float>(bits))
+                                     : Value::ofLong(static_cast<std::int32_t>(bits));
+}
+
+/// How many bytes a text has: they stand before it.
+std::uint32_t byteLengthOf(BSTR text) noexcept {
+    std::uint32_t length = 0;
+    std::memcpy(&length, reinterpret_cast<const std::byte*>(text) - sizeof length, sizeof length);
+    return length;
+}
+
+/// Whether the text has that many code units and a proper end.
+bool isOfLength(BSTR text, std::size_t length) noexcept {
+    return text != nullptr && byteLengthOf(text) == length * sizeof(OLECHAR) && text[length] == 0;
+}
+
+/// The details of a failed call, which nobody here asks for.
+class CallFailure {
 public:
-    explicit SinkArguments(std::size_t count) : count_(count) {
-        for (std::size_t i = 0; i < count_; ++i) VariantInit(&variant(i));
+    CallFailure() noexcept = default;
+    CallFailure(const CallFailure&) = delete;
+    CallFailure& operator=(const CallFailure&) = delete;
+    ~CallFailure() {
+        release(exception_.bstrSource);
+        release(exception_.bstrDescription);
+        release(exception_.bstrHelpFile);
     }
-    SinkArguments(const SinkArguments&) = delete;
-    SinkArguments& operator=(const SinkArguments&) = delete;
-    ~SinkArguments() {
-        for (std::size_t i = 0; i < count_; ++i) {
-            // A sink may have put something of its own in the place of a reference. A reference that it only tagged
-            // anew stays ours.
-            if (V_BYREF(&variant(i)) != &cells_[i]) VariantClear(&variant(i));
-            if (ownsText_[i]) SysFreeString(cells_[i].text);
-        }
-    }
-
-    void addByReference(std::size_t position, const Value& value) {
-        Cell& cell = cells_[position];
-        switch (value.type()) {
-            case ValueType::Text:
-                cell.text = newText(value.textView());
-                ownsText_[position] = true;
-                break;
-            case ValueType::Single: cell.single = value.single(); break;
-            case ValueType::Boolean: cell.boolean = variantBool(value.boolean()); break;
-            default: cell.longInteger = value.longInteger(); break;
-        }
-        V_VT(&variant(position)) = static_cast<VARTYPE>(publishedType(value.type()) | VT_BYREF);
-        V_BYREF(&variant(position)) = &cell;
-    }
-
-    void addByValue(std::size_t position, const Value& value) {
-        VARIANTARG& target = variant(position);
-        switch (value.type()) {
-            case ValueType::Text: V_BSTR(&target) = newText(value.textView()); break;
-            case ValueType::Single: V_R4(&target) = value.single(); break;
-            case ValueType::Boolean: V_BOOL(&target) = variantBool(value.boolean()); break;
-            default: V_I4(&target) = value.longInteger(); break;
-        }
-        V_VT(&target) = publishedType(value.type());
-    }
-
-    void addObject(std::size_t position, IDispatch& object) {
-        object.AddRef();
-        V_DISPATCH(&variant(position)) = &object;
-        V_VT(&variant(position)) = VT_DISPATCH;
-    }
-
-    /// A by-reference argument as the sink left it.
-    bool differs(std::size_t position, const Value& value) const {
-        const Cell& cell = cells_[position];
-        switch (value.type()) {
-            case ValueType::Text: return viewOf(cell.text) != value.textView();
-            case ValueType::Single: return bitsOf(cell.single) != bitsOf(value.single());
-            case ValueType::Boolean: return (cell.boolean != 0) != value.boolean();
-            default: return cell.longInteger != value.longInteger();
-        }
-    }
-    Value valueOf(std::size_t position, ValueType type) const {
-        const Cell& cell = cells_[position];
-        switch (type) {
-            case ValueType::Text: return Value::ofText(viewOf(cell.text));
-            case ValueType::Single: return Value::ofSingle(cell.single);
-            case ValueType::Boolean: return Value::ofBoolean(cell.boolean != 0);
-            default: return Value::ofLong(cell.longInteger);
-        }
-    }
-
-    DISPPARAMS parameters() { return {variants_.data(), nullptr, static_cast<UINT>(count_), 0}; }
+    EXCEPINFO* exception() noexcept { return &exception_; }
+    UINT* faultyArgument() noexcept { return &faultyArgument_; }
 
 private:
-    // Automation counts arguments from the last.
-    VARIANTARG& variant(std::size_t position) { return variants_[count_ - 1 - position]; }
+    // Nearly always there is none, which needs no call of the system.
+    static void release(BSTR text) noexcept {
+        if (text != nullptr) SysFreeString(text);
+    }
 
-    static std::uint32_t bitsOf(float number) { return std::bit_cast<std::uint32_t>(number); }
-
-    std::size_t count_;
-    std::array<VARIANTARG, maximumEventArguments> variants_;
-    std::array<Cell, maximumEventArguments> cells_;
-    std::array<bool, maximumEventArguments> ownsText_{};
+    EXCEPINFO exception_{};
+    UINT faultyArgument_ = 0;
 };
 
-void releaseTexts(EXCEPINFO& exception) {
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
-}
-
-HRESULT invoke(IDispatch& sink, DISPID event, DISPPARAMS& parameters, const FloatingPointState& host) {
+HRESULT invoke(IDispatch& sink, DISPID event, DISPPARAMS parameters, const FloatingPointState& host) {
     OwnedVariant result;
-    EXCEPINFO exception{};
-    UINT faultyArgument = 0;
-    HRESULT answered = S_OK;
-    {
-        const HostArithmetic arithmetic(host);
-        answered = sink.Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, result.get(),
-                               &exception, &faultyArgument);
-    }
-    releaseTexts(exception);
-    return answered;
+    CallFailure failure;
+    const HostArithmetic arithmetic(host);
+    return sink.Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, result.get(),
+                       failure.exception(), failure.faultyArgument());
 }
 
 }  // namespace
 
-IDispatch& EventDelivery::faceOf(SharedRecord& record) {
-    if (!face_) face_ = newDataSetFace(static_cast<clsDataSetParameters&>(record));
-    return *face_.get();
+EventArguments::EventArguments(const EventRow& row) : count_(row.argumentCount) {
+    for (std::size_t i = 0; i < count_; ++i) {
+        places_[i].type = publishedType(row.arguments[count_ - 1 - i]);
+        places_[i].cell.text = nullptr;
+        prepare(i);
+    }
+}
+
+EventArguments::~EventArguments() {
+    for (std::size_t i = 0; i < count_; ++i)
+        if ((places_[i].type & ~VT_BYREF) == VT_BSTR) SysFreeString(places_[i].value->text);
+}
+
+void EventArguments::prepare(std::size_t place) noexcept {
+    VARIANTARG& variant = variants_[place];
+    Place& prepared = places_[place];
+    VariantInit(&variant);
+    V_VT(&variant) = prepared.type;
+    if ((prepared.type & VT_BYREF) != 0) {
+        prepared.value = &prepared.cell;
+        V_BYREF(&variant) = &prepared.cell;
+    } else {
+        prepared.value = reinterpret_cast<Cell*>(&V_BYREF(&variant));
+        prepared.value->text = nullptr;
+    }
+}
+
+void EventArguments::write(const Event& event, IDispatch* object) {
+    for (std::size_t i = 0; i < count_; ++i) {
+        const Value& value = event.argument(count_ - 1 - i);
+        switch (value.type()) {
+            case ValueType::Text: writeText(places_[i], value); break;
+            case ValueType::Boolean: places_[i].value->boolean = variantBool(value.boolean()); break;
+            case ValueType::Object:
+                object->AddRef();
+                V_DISPATCH(&variants_[i]) = object;
+                V_VT(&variants_[i]) = VT_DISPATCH;
+                break;
+            default: places_[i].value->number = bitsOf(value); break;
+        }
+    }
+}
+
+void EventArguments::writeText(Place& place, const Value& value) {
+    const std::u16string_view content = value.textView();
+    BSTR& text = place.value->text;
+    const bool fits = isOfLength(text, content.size());
+    const Text known = std::exchange(place.known, Text());
+    // The same text, not only an equal one: a statement that is carried out again brings it again.
+    if (fits && known.view().data() == content.data()) return;
+    if (text == nullptr) {
+        text = newText(content);
+    } else if (fits) {
+        std::memcpy(text, content.data(), content.size() * sizeof(OLECHAR));
+    } else if (!SysReAllocStringLen(&text, reinterpret_cast<const OLECHAR*>(content.data()),
+                                    static_cast<UINT>(content.size()))) {
+        throw automation_error(ErrorNumber::OutOfMemory);
+    }
+}
+
+void EventArguments::takeBack() noexcept {
+    for (std::size_t i = 0; i < count_; ++i) {
+        const VARIANTARG& variant = variants_[i];
+        const bool byReference = (places_[i].type & VT_BYREF) != 0;
+        if (V_VT(&variant) != places_[i].type || (byReference && V_BYREF(&variant) != &places_[i].cell)) takeBack(i);
+    }
+}
+
+void EventArguments::takeBack(std::size_t place) noexcept {
+    // A reference that a sink only tagged anew is still ours; everything else is released.
+    if (V_BYREF(&variants_[place]) != &places_[place].cell) VariantClear(&variants_[place]);
+    prepare(place);
+}
+
+void EventArguments::answer(Event& event) {
+    // The first place is that of `tSucess`, the last argument.
+    event.succeed(places_[0].cell.boolean != 0);
+    for (std::size_t i = 1; i < count_; ++i) {
+        Place& place = places_[i];
+        if ((place.type & VT_BYREF) == 0) continue;
+        const std::size_t position = count_ - 1 - i;
+        const Value& value = event.argument(position);
+        switch (value.type()) {
+            case ValueType::Text: answerText(place, event, position); break;
+            case ValueType::Boolean:
+                if (const bool truth = place.cell.boolean != 0; truth != value.boolean())
+                    event.answer(position, Value::ofBoolean(truth));
+                break;
+            default:
+                if (place.cell.number != bitsOf(value))
+                    event.answer(position, numberOf(place.cell.number, value.type()));
+        }
+    }
+}
+
+void EventArguments::answerText(Place& place, Event& event, std::size_t position) {
+    const Value& value = event.argument(position);
+    const std::u16string_view content = value.textView();
+    const BSTR text = place.cell.text;
+    if (isOfLength(text, content.size()) && std::equal(content.begin(), content.end(), text))
+        place.known = value.text();
+    else
+        event.answer(position, Value::ofText(viewOf(text)));
+}
+
+IDispatch* EventDelivery::object() {
+    // It stands first, in the events that have one.
+    const Value& value = event_.argument(0);
+    if (value.type() != ValueType::Object) return nullptr;
+    if (!face_) face_ = newDataSetFace(static_cast<clsDataSetParameters&>(value.object()));
+    return face_.get();
 }
 
 void EventDelivery::deliverTo(IDispatch& sink, const FloatingPointState& host) {
-    const EventRow& row = event_.row();
-    SinkArguments arguments(event_.count());
-    for (std::size_t i = 0; i < event_.count(); ++i) {
-        const Value& value = event_.argument(i);
-        if (value.type() == ValueType::Object)
-            arguments.addObject(i, faceOf(value.object()));
-        else if (row.arguments[i].byReference)
-            arguments.addByReference(i, value);
-        else
-            arguments.addByValue(i, value);
-    }
-    DISPPARAMS parameters = arguments.parameters();
-    if (FAILED(invoke(sink, static_cast<DISPID>(event_.id()), parameters, host))) return;
-    for (std::size_t i = 0; i < event_.count(); ++i)
-        if (row.arguments[i].byReference && arguments.differs(i, event_.argument(i)))
-            event_.answer(i, arguments.valueOf(i, event_.argument(i).type()));
+    arguments_->write(event_, object());
+    const HRESULT answered = invoke(sink, static_cast<DISPID>(event_.id()), arguments_->parameters(), host);
+    arguments_->takeBack();
+    if (SUCCEEDED(answered)) arguments_->answer(event_);
+}
+
+void EventRelay::raise(Event& event) {
+    // Held as it is: a sink may advise and unadvise, itself and others.
+    const SinkList sinks = point_.sinks();
+    if (sinks.empty()) return;
+    EventDelivery delivery(event, arguments_);
+    for (const AdvisedSink& advised : sinks)
+        if (point_.sinks() == sinks || point_.isAdvised(advised.cookie))
+            delivery.deliverTo(*advised.sink.get(), *host_);
 }
 
 }  // namespace corvane

@@ -30,6 +30,12 @@ Value sampleOf(const EventArgument& argument, std::size_t position, clsDataSetPa
     }
 }
 
+/// One object's, for all deliveries: what a sink has done to the arguments once must not show in the next event.
+KeptArguments& kept() {
+    static KeptArguments arguments;
+    return arguments;
+}
+
 /// An event with sample values, and its way to sinks.
 class Delivery {
 public:
@@ -55,7 +61,7 @@ private:
 
     Reference<clsDataSetParameters> record_ = makeReference<clsDataSetParameters>();
     Event event_;
-    EventDelivery delivery_{event_};
+    EventDelivery delivery_{event_, kept()};
 };
 
 /// A sink that sees the whole call.
@@ -180,7 +186,7 @@ std::string lineOf(Event& event) {
         line = show(id, arguments);
         return S_OK;
     });
-    EventDelivery(event).deliverTo(reader, FloatingPointState::present());
+    EventDelivery(event, kept()).deliverTo(reader, FloatingPointState::present());
     return line;
 }
 
@@ -446,6 +452,77 @@ TEST_F(Events, ATextOfAnOddNumberOfBytesIsReadByWholeUnits) {
                   cell = SysAllocStringByteLen("a\0b\0c", 5);
               }),
               u"ab");
+}
+
+/// The text that a sink is handed with the next event of that kind.
+std::u16string nextText(const EventRow& row) {
+    std::u16string seen;
+    Delivery delivery(row);
+    delivery.to([&](DISPID, DISPPARAMS& arguments) {
+        const VARIANTARG& argument = argumentOf(arguments, 0);
+        const BSTR text = row.arguments[0].byReference ? *V_BSTRREF(&argument) : V_BSTR(&argument);
+        EXPECT_EQ(text[SysStringLen(text)], 0) << "a text ends where its length says";
+        seen = viewOf(text);
+        return S_OK;
+    });
+    return seen;
+}
+
+TEST_F(Events, ATextOfTheNextEventIsFreshWhateverASinkHasWrittenIntoTheLast) {
+    for (const HostEvent kind : {HostEvent::Info, HostEvent::RequiredFinishLoopFlag}) {
+        const EventRow& row = eventRow(kind);
+        const auto writeOver = [&](DISPPARAMS& arguments, std::size_t unit) {
+            const VARIANTARG& argument = argumentOf(arguments, 0);
+            (row.arguments[0].byReference ? *V_BSTRREF(&argument) : V_BSTR(&argument))[unit] = u'#';
+        };
+        for (const HRESULT result : {S_OK, E_FAIL}) {
+            for (const std::size_t unit : {0, 6}) {
+                Delivery delivery(row);
+                delivery.to([&](DISPID, DISPPARAMS&) { return S_OK; });
+                delivery.to([&](DISPID, DISPPARAMS& arguments) {
+                    writeOver(arguments, unit);
+                    return result;
+                });
+                EXPECT_EQ(nextText(row), u"text 0") << row.name << ", " << result << ", unit " << unit;
+            }
+        }
+    }
+}
+
+TEST_F(Events, ATextOfTheSameEventIsFreshForTheNextSinkAfterOneThatFails) {
+    Delivery delivery(eventRow(HostEvent::Info));
+    delivery.to([](DISPID, DISPPARAMS&) { return S_OK; });
+    delivery.to([](DISPID, DISPPARAMS& arguments) {
+        (*V_BSTRREF(&argumentOf(arguments, 0)))[0] = u'#';
+        return E_FAIL;
+    });
+    delivery.to([](DISPID, DISPPARAMS& arguments) {
+        EXPECT_EQ(viewOf(*V_BSTRREF(&argumentOf(arguments, 0))), u"text 0");
+        return S_OK;
+    });
+}
+
+TEST_F(Events, AnEventInsideAnotherOfItsKindHasArgumentsOfItsOwn) {
+    for (const EventRow& row : eventTable) {
+        Delivery outer(row);
+        std::string inside;
+        outer.to([&](DISPID event, DISPPARAMS& arguments) {
+            const std::string before = show(event, arguments);
+            Delivery inner(row);
+            inner.to([&](DISPID, DISPPARAMS& own) {
+                EXPECT_NE(own.rgvarg, arguments.rgvarg) << row.name;
+                writeCells(event, own);
+                writeValues(event, own);
+                return S_OK;
+            });
+            expectAnswered(inner);
+            inside = show(event, arguments);
+            EXPECT_EQ(inside, before) << row.name;
+            return S_OK;
+        });
+        expectUnanswered(outer);
+        EXPECT_EQ(lineOf(outer.event()), inside) << row.name;
+    }
 }
 
 TEST_F(Events, WhatASinkPutsInThePlaceOfAnArgumentIsReleasedOnce) {
