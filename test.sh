@@ -3,7 +3,7 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug windows-x64 windows-x86 command fuzz lint; without names, all of them. A failed step
+# Steps: format tree native-debug windows-x64 windows-x86 command speed fuzz lint; without names, all of them. A failed step
 # does not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may read to
 # do its long version.
 set -uo pipefail
@@ -14,14 +14,14 @@ steps=()
 for argument in "$@"; do
     case $argument in
         --long) export CORVANE_LONG=1 ;;
-        format | tree | native-debug | windows-x64 | windows-x86 | command | fuzz | lint) steps+=("$argument") ;;
+        format | tree | native-debug | windows-x64 | windows-x86 | command | speed | fuzz | lint) steps+=("$argument") ;;
         *)
             sed -n '2,/^set /{/^set /!s/^# \{0,1\}//p}' "$0" >&2
             exit 64
             ;;
     esac
 done
-if [ ${#steps[@]} = 0 ]; then steps=(format tree native-debug windows-x64 windows-x86 command fuzz lint); fi
+if [ ${#steps[@]} = 0 ]; then steps=(format tree native-debug windows-x64 windows-x86 command speed fuzz lint); fi
 
 logs=build/test-logs
 mkdir -p "$logs"
@@ -108,6 +108,12 @@ checkCommand() {
     (cd / && "$root/corvane" run "$root/examples/flow_and_stability.script" --unattended)
 }
 
+# Instructions are counted, so it does not matter what else the machine does.
+countInstructions() {
+    cmake --preset native-release && cmake --build --preset native-release --target bench_once &&
+        tools/instruction-counts build/native-release
+}
+
 # The build tells which headers each source includes. Where it fails, clang-tidy says why.
 lint() {
     configureAndBuild native-debug >/dev/null 2>&1
@@ -124,6 +130,7 @@ for step in "${steps[@]}"; do
             check 'scripts' checkScripts
             ;;
         command) check 'command' checkCommand ;;
+        speed) check 'instruction counts' countInstructions ;;
         fuzz) check 'fuzz' tools/fuzz ${CORVANE_LONG:+--long} ;;
         lint) check 'lint' lint ;;
         *) buildAndTest "$step" ;;

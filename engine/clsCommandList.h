@@ -243,8 +243,8 @@ private:
     std::int32_t refuseKind(std::int32_t kind);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
-    bool applyRareResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                         std::int32_t& programCounter);
+    bool applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                          std::int32_t& programCounter);
     [[noreturn]] static void refuseAddress(std::int32_t address);
     static const clsCommand& commandAt(const LoadedScript& script, std::int32_t address);
     void reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,

@@ -83,20 +83,19 @@ std::int32_t clsCommandList::refuseKind(std::int32_t kind) {
 }
 
 // The result is never true; the loop's last test of it is therefore left out.
-[[gnu::always_inline]] inline bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target,
-                                                                      const clsCommand& command,
-                                                                      std::int32_t& programCounter, bool& keepRunning) {
+bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                                        std::int32_t& programCounter, bool& keepRunning) {
     if (result == crJump)
         programCounter = addressPlus(target, -1);
     else if (result != crNext)
-        keepRunning = applyRareResult(result, target, command, programCounter);
+        keepRunning = applyOtherResult(result, target, command, programCounter);
     programCounter = addressPlus(programCounter, 1);
     if (programCounter >= commandCount()) keepRunning = false;
     return false;
 }
 
-bool clsCommandList::applyRareResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                                     std::int32_t& programCounter) {
+bool clsCommandList::applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                                      std::int32_t& programCounter) {
     bool keepRunning = true;
     switch (result) {
         case crCall:

@@ -12,10 +12,13 @@ std::u16string_view SplitAtSeparator(std::u16string_view& text, char16_t separat
     const char16_t* begin = text.data();
     const char16_t* const end = begin + text.size();
     const char16_t* at = begin;
-    for (; at != end && *at != separator; ++at) {
-        if (*at != doubleQuote) continue;
-        at = std::find(at + 1, end, doubleQuote);
-        if (at == end) break;
+    for (; at != end; ++at) {
+        if (*at == doubleQuote) {
+            at = std::find(at + 1, end, doubleQuote);
+            if (at == end) break;
+        } else if (*at == separator) {
+            break;
+        }
     }
     const char16_t* last = at;
     text.remove_prefix(static_cast<std::size_t>(at - begin) + (at != end ? 1 : 0));

@@ -5,15 +5,17 @@
 #
 #   native    build and run on this machine        windows   cross build, and Wine to run what was built
 #   tests     what the tests themselves need       checks    format, static analysis, scripts
-#   fuzz      the fuzz targets                     all       everything
+#   fuzz      the fuzz targets                     bench     the peers that the engine is measured beside
+#   all       everything but bench
 set -euo pipefail
 
 native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
-tests='libwine-dev locales mingw-w64-tools python3'
+tests='libwine-dev locales mingw-w64-tools python3 valgrind'
 windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-mingw-w64-i686-posix
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools wine64 xdotool xvfb'
 checks='clang-format clang-tidy git python3 shellcheck'
 fuzz='clang-14 libclang-rt-14-dev llvm-14 python3'
+bench='duktape-dev libbenchmark-dev liblua5.4-dev libluajit-5.1-dev python3 tcl8.6-dev'
 
 asRoot() {
     if [ "$(id -u)" = 0 ]; then
@@ -69,7 +71,7 @@ fi
 packages=
 for group in "${groups[@]}"; do
     case $group in
-        native | tests | windows | checks | fuzz) packages+=" ${!group}" ;;
+        native | tests | windows | checks | fuzz | bench) packages+=" ${!group}" ;;
         all) packages+=" $native $tests $windows $checks $fuzz" ;;
         *)
             echo "setup.sh: no such group: $group" >&2

@@ -267,6 +267,41 @@ TEST(DataList, KeepsWhatItemsAreThroughManyAdditions) {
 
 // FindItem
 
+TEST(DataList, AnItemKnowsItsPosition) {
+    clsDataList list;
+    for (std::uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(list.AddItem().position(), i);
+    for (std::uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(list.at(i).position(), i);
+}
+
+TEST(DataList, ALiteralIsANamelessConstantOfItsValue) {
+    clsDataList list;
+    const clsData number = list.AddLiteral(Value::ofSingle(2.5F));
+    const clsData text = list.AddLiteral(Value::ofText(u"two"));
+    EXPECT_EQ(number.ParameterType(), ptConstant | ptNumber);
+    EXPECT_EQ(text.ParameterType(), ptConstant | ptString);
+    EXPECT_TRUE(number.Identifier().empty());
+    EXPECT_EQ(number.InitialValue().single(), 2.5F);
+    EXPECT_EQ(text.InitialValue().textView(), u"two");
+    EXPECT_EQ(number.CurrentValue().type(), ValueType::Integer);
+    EXPECT_EQ(list.Count(), 2);
+}
+
+TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteralOfAType) {
+    clsDataList list;
+    list.AddLiteral(Value::ofText(u"a"));
+    list.AddLiteral(Value::ofText(u"b"));
+    list.AddLiteral(Value::ofSingle(1));
+    list.AddLiteral(Value::ofSingle(2));
+    std::int32_t position = -1;
+    EXPECT_TRUE(list.FindItem(u"", position, ptNumber));
+    EXPECT_EQ(position, 2);
+    EXPECT_TRUE(list.FindItem(u"", position, ptString));
+    EXPECT_EQ(position, 0);
+    list.at(2).setParameterType(ptString);
+    EXPECT_TRUE(list.FindItem(u"", position, ptNumber));
+    EXPECT_EQ(position, 3);
+}
+
 TEST(FindItem, FindsANameInAnyCase) {
     clsDataList list;
     list.AddItem(u"other", ptNumber, Value());

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/utf8.h"
+#include "platform/value_rules.h"
 
 namespace corvane {
 namespace {
@@ -82,6 +84,70 @@ TEST(SplitAtSeparator, EachCutHasItsOwnSeparator) {
     EXPECT_EQ(NextParameter(rest), u"c");
     EXPECT_EQ(SplitAtCloseBracket(rest), u"d");
     EXPECT_EQ(rest, u"e");
+}
+
+struct NumberCut {
+    std::u16string_view text;
+    std::u16string_view token;
+    float number;
+    std::u16string_view rest;
+};
+
+TEST(NextPlainNumber, TakesANumberWithItsBlanksAndItsSeparator) {
+    const std::vector<NumberCut> cuts = {
+        {u"5", u"5", 5, u""},
+        {u"5,6", u"5", 5, u"6"},
+        {u" 12.5 , 6", u"12.5", 12.5F, u" 6"},
+        {u"-.25,", u"-.25", -.25F, u""},
+        {u"  7.  ", u"7.", 7, u""},
+        {u"9999999,x", u"9999999", 9999999, u"x"},
+        {u"0,\"a", u"0", 0, u"\"a"},
+        {u"-0,1", u"-0", -0.0F, u"1"},
+    };
+    for (const NumberCut& cut : cuts) {
+        std::u16string_view text = cut.text;
+        std::u16string_view token;
+        float number = -1;
+        EXPECT_TRUE(NextPlainNumber(text, token, number)) << toUtf8(cut.text);
+        EXPECT_EQ(token, cut.token) << toUtf8(cut.text);
+        EXPECT_EQ(number, cut.number) << toUtf8(cut.text);
+        EXPECT_EQ(text, cut.rest) << toUtf8(cut.text);
+    }
+}
+
+TEST(NextPlainNumber, LeavesAnythingElseAsItIs) {
+    for (const std::u16string_view whole : {u"", u"   ", u"-", u".", u"-.,1", u"- 5", u"+5", u"5 6", u"5\t,6", u"\t5",
+                                            u"Name", u"\"5\"", u"12345678", u"1e5", u"1.2.3", u",5", u"5;6", u"5)"}) {
+        std::u16string_view text = whole;
+        std::u16string_view token = u"before";
+        float number = -1;
+        EXPECT_FALSE(NextPlainNumber(text, token, number)) << toUtf8(whole);
+        EXPECT_EQ(text.data(), whole.data());
+        EXPECT_EQ(text, whole);
+        EXPECT_EQ(token, u"before");
+        EXPECT_EQ(number, -1);
+    }
+}
+
+// Every short text of the characters that decide.
+TEST(NextPlainNumber, AgreesWithTheCutAndTheReadingOneAfterTheOther) {
+    constexpr std::u16string_view units = u"17.-, \"x";
+    const NumberLocale locale = NumberLocale::pointDecimal();
+    for (std::size_t code = 0; code < 8U * 8 * 8 * 8 * 8 * 8; ++code) {
+        std::u16string whole;
+        for (std::size_t rest = code, i = 0; i < 6; ++i, rest /= 8) whole += units[rest % 8];
+        std::u16string_view expectedRest = whole;
+        const std::u16string_view expectedToken = NextParameter(expectedRest);
+        const std::optional<float> expected = plainNumber(expectedToken, locale);
+        std::u16string_view text = whole;
+        std::u16string_view token;
+        float number = 0;
+        ASSERT_EQ(NextPlainNumber(text, token, number), expected.has_value()) << toUtf8(whole);
+        if (!expected) continue;
+        ASSERT_EQ(number, *expected) << toUtf8(whole);
+        ASSERT_EQ(token, expectedToken) << toUtf8(whole);
+        ASSERT_EQ(text, expectedRest) << toUtf8(whole);
+    }
 }
 
 TEST(IsQuotedString, AsksForAQuoteAtBothEnds) {
