@@ -243,6 +243,7 @@ private:
     std::int32_t refuseKind(std::int32_t kind);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
+    bool applyResult(std::int32_t result, std::int32_t target, const clsCommand& command, std::int32_t& programCounter);
     bool applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                           std::int32_t& programCounter);
     [[noreturn]] static void refuseAddress(std::int32_t address);

@@ -1,4 +1,4 @@
-// The run loop: ExecuteList is the door, ExecuteCommand carries out one statement, ApplyCommandResult turns its result
+// The run loop: ExecuteList is the door, ExecuteCommand carries out one statement, applyResult turns its result
 // code into the next address.
 
 #include <limits>
@@ -82,16 +82,17 @@ std::int32_t clsCommandList::refuseKind(std::int32_t kind) {
     return crFailed;
 }
 
-// The result is never true; the loop's last test of it is therefore left out.
-bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                                        std::int32_t& programCounter, bool& keepRunning) {
+// Whether the run goes on.
+[[gnu::always_inline]] inline bool clsCommandList::applyResult(std::int32_t result, std::int32_t target,
+                                                               const clsCommand& command,
+                                                               std::int32_t& programCounter) {
+    bool keepRunning = true;
     if (result == crJump)
         programCounter = addressPlus(target, -1);
     else if (result != crNext)
         keepRunning = applyOtherResult(result, target, command, programCounter);
     programCounter = addressPlus(programCounter, 1);
-    if (programCounter >= commandCount()) keepRunning = false;
-    return false;
+    return keepRunning && programCounter < commandCount();
 }
 
 bool clsCommandList::applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
@@ -116,6 +117,13 @@ bool clsCommandList::applyOtherResult(std::int32_t result, std::int32_t target, 
             keepRunning = false;
     }
     return keepRunning;
+}
+
+// applyResult under its designed face, whose result is never true; the loop's last test of that is therefore left out.
+bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                                        std::int32_t& programCounter, bool& keepRunning) {
+    if (!applyResult(result, target, command, programCounter)) keepRunning = false;
+    return false;
 }
 
 inline const clsCommand& clsCommandList::commandAt(const LoadedScript& script, std::int32_t address) {
@@ -147,8 +155,7 @@ bool clsCommandList::runStatements() {
         std::int32_t target = programCounter;
         StatementStep step{command, script->dataMemory, target};
         const std::int32_t result = execute(step, call);
-        bool keepRunning = true;
-        ApplyCommandResult(result, target, command, programCounter, keepRunning);
+        const bool keepRunning = applyResult(result, target, command, programCounter);
         programCounter_ = programCounter;
 
         owner_.CommandComplete(programCounter, result);
