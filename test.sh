@@ -3,9 +3,9 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug windows-x64 windows-x86 command speed fuzz lint; without names, all of them. A failed step
-# does not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may read to
-# do its long version.
+# Steps: format tree native-debug windows-x64 windows-x86 command speed fuzz lint; without names, all of them. A failed
+# step does not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may
+# read to do its long version.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1

@@ -52,7 +52,7 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     std::u16string_view rest = tParamList;
     while (!rest.empty()) {
         std::u16string_view token;
-        std::int32_t actualType = ptConstant | ptNumber;
+        std::int32_t actualType = 0;
         const clsData item = bindNext(rest, token, actualType);
         if (count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
         const auto slot = static_cast<std::size_t>(count++);
@@ -84,15 +84,16 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     return fits;
 }
 
+// A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
+// compares stored numbers with the literal's text, and a number never equals a text.
 inline clsData clsCommand::bindNext(std::u16string_view& rest, std::u16string_view& token, std::int32_t& actualType) {
     float number = 0;
+    actualType = ptConstant | ptNumber;
     if (NextPlainNumber(rest, token, number)) return script_->dataMemory.AddLiteral(Value::ofSingle(number));
     token = NextParameter(rest);
     return bindParameter(token, actualType);
 }
 
-// A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
-// compares stored numbers with the literal's text, and a number never equals a text.
 clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actualType) {
     clsDataList& memory = script_->dataMemory;
     if (IsQuotedString(token)) {
@@ -102,8 +103,9 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
     const NumberLocale& numbers = engine().locale();
     if (beginsAsName(token, numbers)) return bindName(token, actualType);
     const NumericReading reading(token, numbers);
-    if (reading.isNumber()) return CreateLiteralItem(reading);
-    return bindName(reading.text(), actualType);
+    if (!reading.isNumber()) return bindName(reading.text(), actualType);
+    actualType = ptConstant | ptNumber;
+    return CreateLiteralItem(reading);
 }
 
 clsData clsCommand::CreateLiteralItem(const NumericReading& reading) const {

@@ -49,6 +49,7 @@ public:
     std::span<ItemRecord* const> slots() const { return {slots_, boundCount_}; }
     /// Fails as a slot fails that does not exist, or is not bound.
     [[noreturn]] static void refuseSlot(std::int32_t slot);
+    /// The script that the statement belongs to.
     LoadedScript& script() const { return *script_; }
 
     /// Traces one line for each bound parameter.

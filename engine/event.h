@@ -15,8 +15,8 @@ namespace corvane {
 /// One event on its way to the host: a row of the event table and its argument values.
 ///
 /// The host reads arguments by position or by published name and answers through those that are by reference; the
-/// raiser reads the answers from the same object when the sink returns. Events live on the stack of the statement that
-/// raises them: a sink keeps none.
+/// raiser reads the answers from the same object when the sink returns. Events live on the stack of whoever raises
+/// them, and one may be raised again with other values: a sink keeps none.
 class Event {
 public:
     /// The arguments before `tSucess`, in order; tSucess starts false. Throws std::logic_error when number or types do

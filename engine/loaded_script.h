@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// What one load has made of a script's text. It is discarded whole: by the next load, or, when that load happens while
-/// one of these statements runs, when the statement has ended.
+/// What one load has made of a script's text. It is discarded whole: by the next load, or, when that load happens
+/// during a run, before the run's next statement or at its end.
 struct LoadedScript {
     LoadedScript(clsCommandList& owner, EngineListener* const& listener) : engine(owner), dataMemory(listener) {}
 

@@ -7,6 +7,7 @@
 #include "platform/value_rules.h"
 
 namespace corvane {
+
 // A load spends much of its time in here: it passes over each character of each statement once.
 std::u16string_view SplitAtSeparator(std::u16string_view& text, char16_t separator) {
     const char16_t* begin = text.data();

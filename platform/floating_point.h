@@ -23,11 +23,12 @@ struct FloatingPointState {
         __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(x87));
         _mm_setcsr(sse);
     }
-    /// The same, and much quicker where all x87 exceptions are masked, now and then: what was noted stays noted, and
-    /// strikes nowhere.
+    /// The same, and quicker where nothing was noted.
     void applyQuickly() const noexcept {
-        constexpr std::uint16_t allMasked = 0x003F;
-        if ((presentControlWord() & x87 & allMasked) != allMasked) __asm__ volatile("fnclex");
+        constexpr std::uint16_t anyException = 0x00FF;
+        std::uint16_t noted = 0;
+        __asm__ volatile("fnstsw %0" : "=m"(noted));
+        if ((noted & anyException) != 0) __asm__ volatile("fnclex");
         __asm__ volatile("fldcw %0" : : "m"(x87));
         _mm_setcsr(sse);
     }

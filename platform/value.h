@@ -36,6 +36,7 @@ public:
     };
 
     ValueView(ValueType type, Payload payload) noexcept : type_(type), payload_(payload) {}
+    ValueView(const ValueView&) noexcept = default;
 
     ValueType type() const noexcept { return type_; }
     bool isText() const noexcept { return type_ == ValueType::Text; }
@@ -55,6 +56,9 @@ public:
     }
 
 protected:
+    // A view may be the base of a value, whose references an assignment would not count.
+    ValueView& operator=(const ValueView&) noexcept = default;
+
     static Text::Buffer* bufferOf(Payload payload) noexcept {
         return reinterpret_cast<Text::Buffer*>(static_cast<std::uintptr_t>(payload.bits));
     }

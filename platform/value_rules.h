@@ -93,7 +93,8 @@ inline bool toBoolean(ValueView value) {
     return value.type() == ValueType::Boolean ? value.boolean() : value.single() != 0;
 }
 
-/// What a single and a single, or a 16-bit integer, make; none when that is infinite.
+/// What a single on the left and a single or a 16-bit integer on the right make; none for other types, and where the
+/// result is no finite number.
 template <typename Operation>
 std::optional<float> combine(ValueView left, ValueView right, Operation operation) {
     if (left.type() != ValueType::Single) return std::nullopt;

@@ -47,6 +47,20 @@ bool isOfLength(BSTR text, std::size_t length) noexcept {
     return text != nullptr && byteLengthOf(text) == length * sizeof(OLECHAR) && text[length] == 0;
 }
 
+constexpr std::size_t longText = 2048;
+
+/// Takes the arguments back from a sink, whatever way it leaves.
+class TakingBack {
+public:
+    explicit TakingBack(EventArguments& arguments) noexcept : arguments_(arguments) {}
+    TakingBack(const TakingBack&) = delete;
+    TakingBack& operator=(const TakingBack&) = delete;
+    ~TakingBack() { arguments_.takeBack(); }
+
+private:
+    EventArguments& arguments_;
+};
+
 /// The details of a failed call, which nobody here asks for.
 class CallFailure {
 public:
@@ -85,6 +99,8 @@ EventArguments::EventArguments(const EventRow& row) : count_(row.argumentCount) 
     for (std::size_t i = 0; i < count_; ++i) {
         places_[i].type = publishedType(row.arguments[count_ - 1 - i]);
         places_[i].cell.text = nullptr;
+        places_[i].own = nullptr;
+        places_[i].ownLength = 0;
         prepare(i);
     }
 }
@@ -124,20 +140,33 @@ void EventArguments::write(const Event& event, IDispatch* object) {
     }
 }
 
+bool EventArguments::Place::holdsOwn(std::size_t length) const noexcept {
+    return value->text == own && ownLength == length && isOfLength(own, length);
+}
+
 void EventArguments::writeText(Place& place, const Value& value) {
     const std::u16string_view content = value.textView();
-    BSTR& text = place.value->text;
-    const bool fits = isOfLength(text, content.size());
+    const bool fits = place.holdsOwn(content.size());
     const Text known = std::exchange(place.known, Text());
     // The same text, not only an equal one: a statement that is carried out again brings it again.
     if (fits && known.view().data() == content.data()) return;
-    if (text == nullptr) {
-        text = newText(content);
-    } else if (fits) {
+    BSTR& text = place.value->text;
+    if (fits) {
         std::memcpy(text, content.data(), content.size() * sizeof(OLECHAR));
-    } else if (!SysReAllocStringLen(&text, reinterpret_cast<const OLECHAR*>(content.data()),
-                                    static_cast<UINT>(content.size()))) {
-        throw automation_error(ErrorNumber::OutOfMemory);
+        return;
+    }
+    SysFreeString(std::exchange(text, nullptr));
+    place.own = text = newText(content);
+    place.ownLength = content.size();
+}
+
+void EventArguments::dropLongTexts() noexcept {
+    for (std::size_t i = 0; i < count_; ++i) {
+        Place& place = places_[i];
+        if ((place.type & ~VT_BYREF) != VT_BSTR || SysStringLen(place.value->text) < longText) continue;
+        SysFreeString(std::exchange(place.value->text, nullptr));
+        place.own = nullptr;
+        place.known = Text();
     }
 }
 
@@ -196,8 +225,11 @@ IDispatch* EventDelivery::object() {
 
 void EventDelivery::deliverTo(IDispatch& sink, const FloatingPointState& host) {
     arguments_->write(event_, object());
-    const HRESULT answered = invoke(sink, static_cast<DISPID>(event_.id()), arguments_->parameters(), host);
-    arguments_->takeBack();
+    HRESULT answered = E_FAIL;
+    {
+        const TakingBack takingBack(*arguments_);
+        answered = invoke(sink, static_cast<DISPID>(event_.id()), arguments_->parameters(), host);
+    }
     if (SUCCEEDED(answered)) arguments_->answer(event_);
 }
 

@@ -31,6 +31,8 @@ public:
     void takeBack() noexcept;
     /// Answers `event` with what a sink wrote by reference.
     void answer(Event& event);
+    /// Releases long texts, which would only take memory until the next event of the kind.
+    void dropLongTexts() noexcept;
 
 private:
     /// The value of an argument, in its variant or where its variant refers to.
@@ -42,8 +44,14 @@ private:
     struct Place {
         VARTYPE type;  // as the variant's is while no sink has it
         Cell* value;
-        Cell cell;   // for what is passed by reference
+        Cell cell;  // for what is passed by reference
+        // The automation text that was made for this place, and its length: a sink may have put another there, or have
+        // written another length before it.
+        BSTR own;
+        std::size_t ownLength;
         Text known;  // the content of the automation text that stands there, where it was seen since the last sink
+
+        bool holdsOwn(std::size_t length) const noexcept;
     };
 
     void prepare(std::size_t place) noexcept;
@@ -67,6 +75,7 @@ public:
         return kept ? std::move(kept) : std::make_unique<EventArguments>(row);
     }
     void keep(const EventRow& row, std::unique_ptr<EventArguments> arguments) noexcept {
+        if (row.ownsValues) arguments->dropLongTexts();
         keptFor(row) = std::move(arguments);
     }
 
