@@ -141,7 +141,7 @@ using Arithmetic = HRESULT(STDAPICALLTYPE*)(LPVARIANT, LPVARIANT, LPVARIANT);
 // The routines read texts under the user's locale, so texts become numbers before, under the locale that is asked for.
 Value calculate(Arithmetic routine, ValueView left, ValueView right, const NumberLocale& locale) {
     const auto operand = [&locale](ValueView value) {
-        if (!value.isText()) return value;
+        if (!value.isText()) return Value(value);
         double number = 0;
         check(VarR8FromStr(AutomationText(value.textView()).get(), locale.localeId, 0, &number));
         return Value::ofDouble(number);
@@ -168,7 +168,9 @@ Text withDecimalMark(std::u16string_view text, const NumberLocale& locale) {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
     if (!isReasonable(text)) return portable::isNumeric(text, locale);
     double number = 0;
-    return SUCCEEDED(VarR8FromStr(AutomationText(text).get(), locale.localeId, 0, &number));
+    const HRESULT result = VarR8FromStr(AutomationText(text).get(), locale.localeId, 0, &number);
+    if (result == E_OUTOFMEMORY) check(result);  // which says nothing about the text
+    return SUCCEEDED(result);
 }
 
 float toSingle(ValueView value, const NumberLocale& locale) {
