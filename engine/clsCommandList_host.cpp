@@ -70,9 +70,11 @@ std::int32_t clsCommandList::raiseDataSet() {
     Event event(HostEvent::GetDataSet);
     event.append(Value::ofObject(*dataSet_));
     event.append(Value::ofBoolean(false));
+    // The host may keep the object that it is given, so the next statement starts from a new one. That is made before:
+    // without memory for it the host is given none.
+    auto next = makeReference<clsDataSetParameters>();
     owner_.raise(event);
-    // The host may keep the object that it was given, so the next statement starts from a new one.
-    dataSet_ = makeReference<clsDataSetParameters>();
+    dataSet_ = std::move(next);
     return event.succeeded() ? crNext : crFailed;
 }
 

@@ -168,7 +168,9 @@ Text withDecimalMark(std::u16string_view text, const NumberLocale& locale) {
 bool isNumeric(std::u16string_view text, const NumberLocale& locale) {
     if (!isReasonable(text)) return portable::isNumeric(text, locale);
     double number = 0;
-    return SUCCEEDED(VarR8FromStr(AutomationText(text).get(), locale.localeId, 0, &number));
+    const HRESULT result = VarR8FromStr(AutomationText(text).get(), locale.localeId, 0, &number);
+    if (result == E_OUTOFMEMORY) check(result);  // which says nothing about the text
+    return SUCCEEDED(result);
 }
 
 float toSingle(ValueView value, const NumberLocale& locale) {

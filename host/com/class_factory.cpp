@@ -1,7 +1,10 @@
 #include "host/com/class_factory.h"
 
+#include <cstdint>
+#include <exception>
 #include <new>
 
+#include "engine/trace.h"
 #include "host/com/error_boundary.h"
 #include "host/com/module.h"
 #include "host/com/published_classes.h"
@@ -9,6 +12,14 @@
 
 namespace corvane {
 namespace {
+
+/// Has the compiler's run-time support take what it keeps for each thread, while there is memory: later, when exhausted
+/// memory is to be met by an exception, it would end the process for want of these bytes.
+void prepareThread() noexcept {
+    // Volatile, as the compiler leaves out a question whose answer nobody wants.
+    [[maybe_unused]] const volatile int exceptions = std::uncaught_exceptions();
+    [[maybe_unused]] const volatile std::int32_t options = debugOptions();
+}
 
 class ClassFactory final : public SharedRecord, public IClassFactory {
 public:
@@ -29,6 +40,7 @@ public:
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+        prepareThread();
         ComReference<IUnknown> created;
         const HRESULT result = guardedCall(CallSource{published_.interfaceId, published_.programId},
                                            [&](const FloatingPointState&) { created = published_.create(); });

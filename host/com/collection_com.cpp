@@ -41,6 +41,7 @@ std::int64_t numberOf(const VARIANT& number) {
         throw automation_error(ErrorNumber::TypeMismatch);
     const HRESULT result = VariantChangeType(converted.get(), const_cast<VARIANT*>(&number), 0, VT_I4);
     if (result == DISP_E_OVERFLOW) throw automation_error(ErrorNumber::SubscriptOutOfRange);
+    if (result == E_OUTOFMEMORY) throw automation_error(ErrorNumber::OutOfMemory);
     if (FAILED(result)) throw automation_error(ErrorNumber::TypeMismatch);
     return V_I4(converted.get());
 }

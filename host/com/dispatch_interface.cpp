@@ -22,11 +22,26 @@ void require(HRESULT result) {
     if (FAILED(result)) throw std::runtime_error("the type library cannot be read");
 }
 
-std::u16string nameOf(BSTR text) {
-    std::u16string name(viewOf(text));
-    SysFreeString(text);
-    return name;
-}
+/// The names of a member and its parameters, as a description hands them out.
+class HandedOutNames {
+public:
+    explicit HandedOutNames(std::size_t most) : texts_(most) {}
+    HandedOutNames(const HandedOutNames&) = delete;
+    HandedOutNames& operator=(const HandedOutNames&) = delete;
+    ~HandedOutNames() {
+        for (const BSTR text : texts_) SysFreeString(text);
+    }
+
+    HRESULT ask(ITypeInfo& owner, MEMBERID member) {
+        return owner.GetNames(member, texts_.data(), static_cast<UINT>(texts_.size()), &count_);
+    }
+    std::size_t count() const { return count_; }
+    std::u16string at(std::size_t position) const { return std::u16string(viewOf(texts_.at(position))); }
+
+private:
+    std::vector<BSTR> texts_;
+    UINT count_ = 0;
+};
 
 char16_t lowered(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; }
 
@@ -74,18 +89,16 @@ DispatchInterface::Member DispatchInterface::describe(ITypeInfo& owner, const FU
     member.kind = function.invkind;
     member.vtableOffset = static_cast<ULONG_PTR>(function.oVft);
 
-    std::vector<BSTR> texts(static_cast<std::size_t>(function.cParams) + 1);
-    UINT named = 0;
-    require(owner.GetNames(function.memid, texts.data(), static_cast<UINT>(texts.size()), &named));
-    std::vector<std::u16string> names;
-    for (UINT i = 0; i < named; ++i) names.push_back(nameOf(texts[i]));
+    HandedOutNames names(static_cast<std::size_t>(function.cParams) + 1);
+    require(names.ask(owner, function.memid));
     member.name = names.at(0);
     for (SHORT i = 0; i < function.cParams; ++i) {
         const ELEMDESC& element = function.lprgelemdescParam[i];
         Parameter parameter = describe(owner, element.tdesc);
         parameter.optional = (element.paramdesc.wParamFlags & PARAMFLAG_FOPT) != 0;
         // The value of a property put has no name of its own.
-        if (static_cast<UINT>(i) + 1 < named) parameter.name = names[static_cast<std::size_t>(i) + 1];
+        const std::size_t named = static_cast<std::size_t>(i) + 1;
+        if (named < names.count()) parameter.name = names.at(named);
         if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0)
             member.result = parameter.type;
         else

@@ -11,41 +11,41 @@
 namespace corvane {
 namespace {
 
-HRESULT reported(const CallSource& source, std::int32_t number, std::string_view description) {
-    ComReference<ICreateErrorInfo> information;
+/// Leaves the error information of the thread: whole, or none where there is no memory for it.
+void leaveInformation(const CallSource& source, std::string_view description) noexcept {
     SetErrorInfo(0, nullptr);
-    if (SUCCEEDED(CreateErrorInfo(information.receive()))) {
+    try {
+        ComReference<ICreateErrorInfo> information;
+        if (FAILED(CreateErrorInfo(information.receive()))) return;
         std::u16string programId(source.programId);
         std::u16string sentence = fromUtf8(description);
         information->SetGUID(source.interfaceId);
-        information->SetSource(reinterpret_cast<OLECHAR*>(programId.data()));
-        information->SetDescription(reinterpret_cast<OLECHAR*>(sentence.data()));
+        if (FAILED(information->SetSource(reinterpret_cast<OLECHAR*>(programId.data())))) return;
+        if (FAILED(information->SetDescription(reinterpret_cast<OLECHAR*>(sentence.data())))) return;
         SetErrorInfo(0, queryFor<IErrorInfo>(information.get(), IID_IErrorInfo).get());
+    } catch (const std::bad_alloc&) {
+        return;  // the result alone must do
     }
-    return resultOf(number);
 }
 
-HRESULT reported(const CallSource& source, ErrorNumber number) {
-    return reported(source, static_cast<std::int32_t>(number), errorText(number));
+HRESULT reported(const CallSource& source, ErrorNumber number, std::string_view description) noexcept {
+    leaveInformation(source, description);
+    return resultOf(static_cast<std::int32_t>(number));
 }
 
 }  // namespace
 
 HRESULT resultOfPresentException(const CallSource& source) noexcept {
     try {
-        try {
-            throw;
-        } catch (const automation_error& error) {
-            return reported(source, static_cast<std::int32_t>(error.number()), error.what());
-        } catch (const std::bad_alloc&) {
-            return reported(source, ErrorNumber::OutOfMemory);
-        } catch (const std::exception& error) {
-            return reported(source, static_cast<std::int32_t>(ErrorNumber::Internal), error.what());
-        }
+        throw;
+    } catch (const automation_error& error) {
+        return reported(source, error.number(), error.what());
+    } catch (const std::bad_alloc&) {
+        return reported(source, ErrorNumber::OutOfMemory, errorText(ErrorNumber::OutOfMemory));
+    } catch (const std::exception& error) {
+        return reported(source, ErrorNumber::Internal, error.what());
     } catch (...) {
-        // Not even memory for the description: the result alone must do.
-        SetErrorInfo(0, nullptr);
-        return resultOf(static_cast<std::int32_t>(ErrorNumber::OutOfMemory));
+        return reported(source, ErrorNumber::Internal, errorText(ErrorNumber::Internal));
     }
 }
 

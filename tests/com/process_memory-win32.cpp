@@ -74,6 +74,8 @@ std::ostream& operator<<(std::ostream& stream, const ProcessMemory& memory) {
                   << " task blocks, TLS index " << memory.nextTlsIndex;
 }
 
+std::size_t livingTaskBlocks() { return handedOut; }
+
 CountedTaskMemory::CountedTaskMemory() { CoRegisterMallocSpy(&counter); }
 CountedTaskMemory::~CountedTaskMemory() { CoRevokeMallocSpy(); }
 

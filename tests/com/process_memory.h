@@ -17,6 +17,9 @@ struct ProcessMemory {
 
 std::ostream& operator<<(std::ostream& stream, const ProcessMemory& memory);
 
+/// How many blocks the platform's allocator has handed out and not got back; see CountedTaskMemory.
+std::size_t livingTaskBlocks();
+
 /// Counts what CoTaskMemAlloc hands out, to all of its callers, until the end of the scope. Texts are counted exactly
 /// where the environment says OANOCACHE=1.
 class CountedTaskMemory {

@@ -21,10 +21,34 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <new>
 
 #include "host/com/automation.h"
 #include "host/com/component_services.h"
 #include "platform/utf8.h"
+#include "tests/memory/memory_fault.h"
+
+namespace {
+
+std::size_t livingBlocks = 0;
+
+void* allocate(std::size_t size) {
+    void* const block = corvane::test::MemoryFault::grants() ? std::malloc(size) : nullptr;
+    if (block != nullptr) ++livingBlocks;
+    return block;
+}
+
+void* allocateZeroed(std::size_t size) {
+    void* const block = allocate(size);
+    return block == nullptr ? nullptr : std::memset(block, 0, size);
+}
+
+void release(void* block) {
+    if (block != nullptr) --livingBlocks;
+    std::free(block);
+}
+
+}  // namespace
 
 extern "C" {
 
@@ -51,7 +75,7 @@ std::size_t lengthOf(const OLECHAR* text) {
 
 BSTR WINAPI SysAllocStringByteLen(LPCSTR bytes, UINT count) {
     constexpr OLECHAR end = 0;
-    auto* const block = static_cast<std::byte*>(std::malloc(prefixSize + count + sizeof end));
+    auto* const block = static_cast<std::byte*>(allocate(prefixSize + count + sizeof end));
     if (block == nullptr) return nullptr;
     std::memcpy(block, &count, prefixSize);
     if (bytes != nullptr) std::memcpy(block + prefixSize, bytes, count);
@@ -69,7 +93,7 @@ BSTR WINAPI SysAllocString(const OLECHAR* text) {
 }
 
 void WINAPI SysFreeString(BSTR text) {
-    if (text != nullptr) std::free(prefixOf(text));
+    if (text != nullptr) release(prefixOf(text));
 }
 
 INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* content, UINT length) {
@@ -115,7 +139,7 @@ HRESULT cellOf(SAFEARRAY* array, const LONG* indices, void** cell) {
 SAFEARRAY* WINAPI SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds) {
     if (bounds == nullptr || dimensions == 0) return nullptr;
     auto* const array =
-        static_cast<SAFEARRAY*>(std::calloc(1, offsetof(SAFEARRAY, rgsabound) + dimensions * sizeof(SAFEARRAYBOUND)));
+        static_cast<SAFEARRAY*>(allocateZeroed(offsetof(SAFEARRAY, rgsabound) + dimensions * sizeof(SAFEARRAYBOUND)));
     if (array == nullptr) return nullptr;
     array->cDims = static_cast<USHORT>(dimensions);
     for (UINT i = 0; i < dimensions; ++i) array->rgsabound[dimensions - 1 - i] = bounds[i];
@@ -130,8 +154,10 @@ SAFEARRAY* WINAPI SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND*
             break;
         default: array->cbElements = sizeof(LONG);
     }
-    array->pvData = std::calloc(cellCount(*array), array->cbElements);
-    return array;
+    array->pvData = allocateZeroed(cellCount(*array) * array->cbElements);
+    if (array->pvData != nullptr) return array;
+    release(array);
+    return nullptr;
 }
 
 HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
@@ -141,8 +167,8 @@ HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
         if ((array->fFeatures & FADF_BSTR) != 0) SysFreeString(static_cast<BSTR*>(array->pvData)[i]);
         if ((array->fFeatures & FADF_VARIANT) != 0) VariantClear(&static_cast<VARIANT*>(array->pvData)[i]);
     }
-    std::free(array->pvData);
-    std::free(array);
+    release(array->pvData);
+    release(array);
     return S_OK;
 }
 
@@ -179,8 +205,9 @@ HRESULT WINAPI SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* elemen
     if (FAILED(result)) return result;
     if ((array->fFeatures & FADF_BSTR) == 0) return E_NOTIMPL;
     const BSTR text = *static_cast<BSTR*>(cell);
-    *static_cast<BSTR*>(element) = text == nullptr ? nullptr : SysAllocStringLen(text, SysStringLen(text));
-    return S_OK;
+    BSTR& copy = *static_cast<BSTR*>(element);
+    copy = text == nullptr ? nullptr : SysAllocStringLen(text, SysStringLen(text));
+    return text != nullptr && copy == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
 // ---------------------------------------------------------------------------------------------------------- variants
@@ -313,12 +340,11 @@ public:
 private:
     static HRESULT set(BSTR& place, LPOLESTR text) {
         SysFreeString(place);
-        place = SysAllocString(text);
-        return S_OK;
+        return copy(text, &place);
     }
-    static HRESULT copy(BSTR text, BSTR* target) {
+    static HRESULT copy(const OLECHAR* text, BSTR* target) {
         *target = SysAllocString(text);
-        return S_OK;
+        return text != nullptr && *target == nullptr ? E_OUTOFMEMORY : S_OK;
     }
 
     ULONG references_ = 0;
@@ -337,8 +363,8 @@ corvane::ComReference<IErrorInfo>& threadsError() {
 extern "C" {
 
 HRESULT WINAPI CreateErrorInfo(ICreateErrorInfo** information) {
-    *information = corvane::ComReference<ICreateErrorInfo>(new ErrorInformation).detach();
-    return S_OK;
+    *information = corvane::ComReference<ICreateErrorInfo>(new (std::nothrow) ErrorInformation).detach();
+    return *information == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
 HRESULT WINAPI SetErrorInfo(ULONG, IErrorInfo* information) {
@@ -385,6 +411,8 @@ public:
 }  // namespace
 
 ComponentServices makeServices() { return {std::make_unique<StandInDialogs>(), std::make_unique<StandInPump>()}; }
+
+std::size_t testing::livingAutomationBlocks() { return livingBlocks; }
 
 testing::StandInServices& testing::standInServices() {
     static StandInServices services;

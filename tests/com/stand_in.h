@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,5 +19,8 @@ struct StandInServices {
 
 /// Shared by all objects of the component; a test that uses it begins and ends with an empty one.
 StandInServices& standInServices();
+
+/// How many blocks of automation texts and arrays nobody has released. A `test::MemoryFault` refuses them.
+std::size_t livingAutomationBlocks();
 
 }  // namespace corvane::testing
