@@ -141,7 +141,7 @@ using Arithmetic = HRESULT(STDAPICALLTYPE*)(LPVARIANT, LPVARIANT, LPVARIANT);
 // The routines read texts under the user's locale, so texts become numbers before, under the locale that is asked for.
 Value calculate(Arithmetic routine, ValueView left, ValueView right, const NumberLocale& locale) {
     const auto operand = [&locale](ValueView value) {
-        if (!value.isText()) return value;
+        if (!value.isText()) return Value(value);
         double number = 0;
         check(VarR8FromStr(AutomationText(value.textView()).get(), locale.localeId, 0, &number));
         return Value::ofDouble(number);
