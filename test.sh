@@ -3,9 +3,9 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug windows-x64 windows-x86 command speed fuzz lint; without names, all of them. A failed
-# step does not keep the others from running. --long sets CORVANE_LONG=1, which every test program and every step may
-# read to do its long version.
+# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed fuzz lint; without names, all of
+# them, and with --long also same-build. A failed step does not keep the others from running. --long sets
+# CORVANE_LONG=1, which every test program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
@@ -14,14 +14,19 @@ steps=()
 for argument in "$@"; do
     case $argument in
         --long) export CORVANE_LONG=1 ;;
-        format | tree | native-debug | windows-x64 | windows-x86 | command | speed | fuzz | lint) steps+=("$argument") ;;
+        format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | fuzz | lint | same-build)
+            steps+=("$argument")
+            ;;
         *)
             sed -n '2,/^set /{/^set /!s/^# \{0,1\}//p}' "$0" >&2
             exit 64
             ;;
     esac
 done
-if [ ${#steps[@]} = 0 ]; then steps=(format tree native-debug windows-x64 windows-x86 command speed fuzz lint); fi
+if [ ${#steps[@]} = 0 ]; then
+    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed fuzz lint)
+    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(same-build); fi
+fi
 
 logs=build/test-logs
 mkdir -p "$logs"
@@ -68,15 +73,17 @@ showLog() {
     if [ "$(wc -l <<<"$lines")" -gt "$linesShown" ]; then echo "    ... the rest is in $1"; fi
 }
 
+# A preset's programs, or one of them.
 configureAndBuild() {
-    cmake --preset "$1" && cmake --build --preset "$1" -- -k 0
+    cmake --preset "$1" && cmake --build --preset "$1" ${2:+--target "$2"} -- -k 0
 }
 
-# A preset's tests count one by one, as GoogleTest counted them.
+# A preset's tests, or one of them; they count one by one, as GoogleTest counted them.
 runTests() {
     local preset=$1 log=$logs/$1-tests.log start=$EPOCHREALTIME results=build/$1/test-results counts
     rm -rf "$results"
-    ctest --preset "$preset" --timeout "$testSeconds" --output-junit "$PWD/$results/ctest.xml" >"$log" 2>&1
+    ctest --preset "$preset" ${2:+--tests-regex "^$2\$"} --timeout "$testSeconds" \
+        --output-junit "$PWD/$results/ctest.xml" >"$log" 2>&1
     counts=$(tools/count-tests "$results")
     passed=$((passed + ${counts% *}))
     failed=$((failed + ${counts#* }))
@@ -90,7 +97,7 @@ runTests() {
 }
 
 buildAndTest() {
-    check "$1 build" configureAndBuild "$1" && runTests "$1"
+    check "$1 build" configureAndBuild "$@" && runTests "$@"
 }
 
 checkFormat() {
@@ -133,6 +140,8 @@ for step in "${steps[@]}"; do
         speed) check 'instruction counts' countInstructions ;;
         fuzz) check 'fuzz' tools/fuzz ${CORVANE_LONG:+--long} ;;
         lint) check 'lint' lint ;;
+        same-build) check 'same-build' tools/same-build ;;
+        native-release) buildAndTest native-release test_limits ;;
         *) buildAndTest "$step" ;;
     esac
 done

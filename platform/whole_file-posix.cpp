@@ -74,7 +74,7 @@ std::size_t sizeOf(const Descriptor& file, std::u16string_view path) {
     struct stat status {};
     if (::fstat(file.number(), &status) != 0) throw fileError(numberOf(errno), path);
     if (!S_ISREG(status.st_mode)) throw fileError(ErrorNumber::PathFileAccess, path);
-    if (static_cast<std::uint64_t>(status.st_size) > largestFile) throw fileError(ErrorNumber::OutOfMemory, path);
+    if (static_cast<std::uint64_t>(status.st_size) > largestFile) throw tooLarge(path);
     return static_cast<std::size_t>(status.st_size);
 }
 

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <new>
 
 #include "platform/whole_file.h"
@@ -49,6 +50,27 @@ bool isAbsence(DWORD systemError) { return numberOf(systemError) == ErrorNumber:
 
 bool mayBeReadable(DWORD systemError) { return numberOf(systemError) == ErrorNumber::PermissionDenied; }
 
+// The system takes a path of 260 characters or more in its extended form only.
+std::wstring systemName(std::u16string_view path) {
+    const std::wstring name(path.begin(), path.end());
+    const DWORD room = GetFullPathNameW(name.c_str(), 0, nullptr, nullptr);
+    if (room <= MAX_PATH || name.starts_with(LR"(\\?\)") || name.starts_with(LR"(\\.\)")) return name;
+    std::wstring full(room, L'\0');
+    full.resize(GetFullPathNameW(name.c_str(), room, full.data(), nullptr));
+    return full.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + full.substr(1) : LR"(\\?\)" + full;
+}
+
+// Nothing can bear such a name, but some releases only say that they do not find it.
+bool hasTooLongPart(std::wstring_view name) {
+    constexpr std::size_t longestPart = 255;
+    while (!name.empty()) {
+        const std::size_t length = std::min(name.find_first_of(L"\\/"), name.size());
+        if (length > longestPart) return true;
+        name.remove_prefix(std::min(length + 1, name.size()));
+    }
+    return false;
+}
+
 bool isFolder(const wchar_t* name) {
     const DWORD attributes = GetFileAttributesW(name);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -74,7 +96,7 @@ DWORD sizeOf(const FileHandle& file, std::u16string_view path) {
     if (GetFileType(file.get()) != FILE_TYPE_DISK) throw fileError(ErrorNumber::PathFileAccess, path);
     LARGE_INTEGER size{};
     if (GetFileSizeEx(file.get(), &size) == FALSE) throw fileError(numberOf(GetLastError()), path);
-    if (static_cast<std::uint64_t>(size.QuadPart) > largestFile) throw fileError(ErrorNumber::OutOfMemory, path);
+    if (static_cast<std::uint64_t>(size.QuadPart) > largestFile) throw tooLarge(path);
     return static_cast<DWORD>(size.QuadPart);
 }
 
@@ -92,11 +114,12 @@ std::string readAll(const FileHandle& file, std::u16string_view path) {
 
 std::optional<std::string> readWholeFile(std::u16string_view path, WhenAbsent whenAbsent) {
     if (path.empty() || path.find(u'\0') != std::u16string_view::npos) throw fileError(ErrorNumber::BadFileName, path);
-    const std::wstring name(path.begin(), path.end());
+    const std::wstring name = systemName(path);
     const FileHandle file(whenAbsent == WhenAbsent::Create ? openOrCreate(name.c_str()) : openForReading(name.c_str()));
     if (!file.isOpen()) {
         const DWORD systemError = GetLastError();
         if (isFolder(name.c_str())) throw fileError(ErrorNumber::PathFileAccess, path);
+        if (hasTooLongPart(name)) throw fileError(ErrorNumber::BadFileName, path);
         if (whenAbsent == WhenAbsent::Report && isAbsence(systemError)) return std::nullopt;
         throw fileError(numberOf(systemError), path);
     }

@@ -14,4 +14,9 @@ automation_error fileError(ErrorNumber number, std::u16string_view path) {
     return {number, std::string(errorText(number)) + ": '" + toUtf8(shown) + "'"};
 }
 
+automation_error tooLarge(std::u16string_view path) {
+    const automation_error plain = fileError(ErrorNumber::OutOfMemory, path);
+    return {plain.number(), std::string(plain.what()) + " is larger than a text can be"};
+}
+
 }  // namespace corvane

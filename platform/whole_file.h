@@ -29,4 +29,7 @@ inline constexpr std::uint64_t largestFile = 0x3FFFFFFF;
 /// The automation error `number` with a description that names `path`.
 automation_error fileError(ErrorNumber number, std::u16string_view path);
 
+/// The one of a file beyond `largestFile`.
+automation_error tooLarge(std::u16string_view path);
+
 }  // namespace corvane

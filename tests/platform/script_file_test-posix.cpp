@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 
@@ -8,26 +7,11 @@
 #include "platform/script_file.h"
 #include "platform/whole_file.h"
 #include "tests/platform/expect_automation_error.h"
+#include "tests/platform/ordinary_user-posix.h"
 #include "tests/platform/temporary_folder.h"
 
 namespace corvane {
 namespace {
-
-// The superuser may read everything, so a test of permissions is somebody else as long as this lives.
-class OrdinaryUser {
-public:
-    OrdinaryUser() : before_(geteuid()) {
-        if (before_ == 0 && seteuid(65534) != 0) throw std::runtime_error("seteuid");
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser() {
-        if (seteuid(before_) != 0) ADD_FAILURE() << "the test's user did not come back";
-    }
-
-private:
-    uid_t before_;
-};
 
 TEST(CodePage, IsWindows1252WithItsGapsFilled) {
     struct Row {
