@@ -15,6 +15,7 @@ windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-ming
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools python3 wine64 xdotool xvfb'
 checks='clang-format clang-tidy git python3 shellcheck'
 fuzz='clang-14 libclang-rt-14-dev llvm-14 python3'
+# shellcheck disable=SC2034  # read by its name alone, as it is no part of all
 bench='duktape-dev libbenchmark-dev liblua5.4-dev libluajit-5.1-dev python3 tcl8.6-dev'
 
 asRoot() {
