@@ -24,6 +24,9 @@ measureNative() {
 
 measureComponent() {
     tools/setup.sh native windows
+    cmake --preset windows-x64 >/dev/null
+    cmake --build --preset windows-x64 --target list_view_rows >/dev/null
+    tools/with-display tools/wine-x64 build/windows-x64/list_view_rows.exe 3
     bench/component/run | tee build/component_table.md
     bench/put_table component <build/component_table.md
 }

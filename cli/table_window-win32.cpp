@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/desktop-win32.h"
+#include "ui/text_table.h"
 
 namespace corvane {
 namespace {
@@ -52,7 +53,7 @@ public:
 
 private:
     void setText(UINT message, int column, std::u16string_view content) {
-        std::wstring text = windowText(content);
+        std::wstring text = windowText(cellText(content));
         LVITEMW item{};
         item.mask = LVIF_TEXT;
         item.iItem = rows_ - 1;

@@ -400,7 +400,8 @@ void InputWindow::close(bool isAccepted) {
 
 // --------------------------------------------------------------------------------------------------------------- keys
 
-// Enter and Escape do not come here as keys: in every dialog they press the default button and Cancel.
+// The keys Enter and Escape do not come here: in every dialog they press the default button and Cancel. Their codes do,
+// since Ctrl+M and Ctrl+[ are typed as these.
 LRESULT CALLBACK InputWindow::entryProcedure(HWND entry, UINT message, WPARAM first, LPARAM second) {
     auto* const self = reinterpret_cast<InputWindow*>(GetWindowLongPtrW(GetParent(entry), DWLP_USER));
     if (message != WM_CHAR) return CallWindowProcW(self->entryBefore_, entry, message, first, second);

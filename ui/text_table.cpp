@@ -12,24 +12,6 @@ bool isBlank(std::u16string_view text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c == u' '; });
 }
 
-std::u16string visible(std::u16string_view text) {
-    constexpr std::u16string_view digits = u"0123456789abcdef";
-    std::u16string shown;
-    for (const char16_t c : text) {
-        if (c == u'\r')
-            shown += u"\\r";
-        else if (c == u'\n')
-            shown += u"\\n";
-        else if (c == u'\t')
-            shown += u"\\t";
-        else if (isControl(c))
-            shown.append(u"\\x").append(1, digits[c >> 4U]).append(1, digits[c & 15U]);
-        else
-            shown += c;
-    }
-    return shown;
-}
-
 /// Characters, counting a surrogate pair once.
 std::size_t width(std::u16string_view text) {
     std::size_t characters = 0;
@@ -44,6 +26,24 @@ std::size_t width(std::u16string_view text) {
 void trimEnd(std::u16string& line) { line.erase(line.find_last_not_of(u' ') + 1); }
 
 }  // namespace
+
+std::u16string cellText(std::u16string_view cell) {
+    constexpr std::u16string_view digits = u"0123456789abcdef";
+    std::u16string shown;
+    for (const char16_t c : cell) {
+        if (c == u'\r')
+            shown += u"\\r";
+        else if (c == u'\n')
+            shown += u"\\n";
+        else if (c == u'\t')
+            shown += u"\\t";
+        else if (isControl(c))
+            shown.append(u"\\x").append(1, digits[c >> 4U]).append(1, digits[c & 15U]);
+        else
+            shown += c;
+    }
+    return shown;
+}
 
 void TextTable::prepare() {
     columns_.clear();
@@ -65,7 +65,7 @@ std::u16string TextTable::aligned() const {
     std::vector<std::size_t> widths(columns_.size(), 0);
     for (const auto& row : rows_)
         for (std::size_t i = 0; i < row.size(); ++i)
-            if (!isBlank(row[i])) widths[i] = std::max(widths[i], width(visible(row[i])));
+            if (!isBlank(row[i])) widths[i] = std::max(widths[i], width(cellText(row[i])));
     for (std::size_t i = 0; i < columns_.size(); ++i)
         if (rows_.empty() || widths[i] != 0) widths[i] = std::max(widths[i], width(columns_[i]));
 
@@ -83,7 +83,7 @@ std::u16string TextTable::aligned() const {
     addLine([&](std::size_t i) { return columns_[i]; });
     addLine([&](std::size_t i) { return std::u16string(widths[i], u'-'); });
     for (const auto& row : rows_)
-        addLine([&](std::size_t i) { return isBlank(row[i]) ? std::u16string() : visible(row[i]); });
+        addLine([&](std::size_t i) { return isBlank(row[i]) ? std::u16string() : cellText(row[i]); });
     return text;
 }
 

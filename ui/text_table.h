@@ -8,6 +8,9 @@
 
 namespace corvane {
 
+/// A cell as people are shown it: with escapes for its control characters ("\r\n"), so that a row stays one line.
+std::u16string cellText(std::u16string_view cell);
+
 /// A table view that is plain text: the diagnostic views where there is no list control.
 class TextTable final : public TableView {
 public:
@@ -23,8 +26,7 @@ public:
     const std::vector<std::vector<std::u16string>>& rows() const { return rows_; }
 
     /// Header, rule and rows in columns as wide as their widest cell, two blanks apart; lines end with a line feed and
-    /// no line with blanks. Columns whose cells are all blank are left out. Control characters within a cell are shown
-    /// as escapes ("\r\n"), so that a row stays one line.
+    /// no line with blanks. Columns whose cells are all blank are left out. Each cell is on one line.
     std::u16string aligned() const;
 
 private:

@@ -74,6 +74,11 @@ TEST_F(TableWindow, ShowsBothViews) {
     EXPECT_EQ(result.output, "");
 }
 
+TEST_F(TableWindow, ShowsARowOnOneLine) {
+    script = folder.write("breaks.script", "MsgInfo(\"One|Two\")\n").string();
+    show([](HWND window) { EXPECT_EQ(cell(listsOf(window)[0], 0, 2), LR"(One\r\nTwo)"); });
+}
+
 TEST_F(TableWindow, FitsTheColumns) {
     const std::string wide(80, 'W');
     script = folder.write("wide.script", "VAR N = \"" + wide + "\"\nWaitTime(2.5, N)\n").string();

@@ -7,6 +7,8 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/number_locale.h"
+
 namespace corvane {
 namespace {
 
@@ -224,6 +226,7 @@ TEST(ClsLocale, KnowsThisMachine) {
     const clsLocale locale;
     EXPECT_EQ(locale.DefaultLocaleID(), systemInformation().userLocaleId());
     EXPECT_EQ(locale.GetDecimalSeparator().size(), 1U);
+    EXPECT_EQ(locale.GetDecimalSeparator(), NumberLocale::user().decimalMark);
     EXPECT_EQ(locale.GetListSeparator().size(), 1U);
     EXPECT_EQ(locale.GetDecimalSeparator(1033), u".");
     EXPECT_EQ(locale.GetListSeparator(1033), u",");

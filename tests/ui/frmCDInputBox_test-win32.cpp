@@ -12,6 +12,7 @@
 
 #include "platform/desktop-win32.h"
 #include "platform/floating_point.h"
+#include "platform/message_box.h"
 #include "platform/value_rules.h"
 #include "tests/platform/open_dialog-win32.h"
 #include "ui/input_rules.h"
@@ -207,6 +208,7 @@ TEST(InputBoxWindow, CorrectsAsTheOperatorTypes) {
         {single, true, u"10", u"10", u"", false},
         {single, true, u"10.5", u"10", u"(Too large)", true},
         {single, true, u"-2", u"0", u"(Too small)", true},
+        {single, true, u"5-", u"0", u"(Too small)", true},
         {single, true, u"0", u"0", u"", false},
         {single, false, u"0", u"1", u"(Value is Zero)", false},
         {single, false, u"", u"1", u"(Value is Zero)", false},
@@ -447,6 +449,8 @@ TEST(InputBoxWindow, ClosesByItsKeysAndButtons) {
     const Row rows[] = {
         {"Enter", [](const OpenBox& box) { box.post(VK_RETURN); }, Ending::Accepted},
         {"Escape", [](const OpenBox& box) { box.post(VK_ESCAPE); }, Ending::Cancelled},
+        {"Enter's code", [](const OpenBox& box) { box.type(u"\r"); }, Ending::Accepted},
+        {"Escape's code", [](const OpenBox& box) { box.type(u"\x1B"); }, Ending::Cancelled},
         {"OK", [](const OpenBox& box) { box.press(Form::cmdOK); }, Ending::Accepted},
         {"Cancel", [](const OpenBox& box) { box.press(Form::cmdCancel); }, Ending::Cancelled},
         {"Alt+O", [](const OpenBox& box) { box.post(L'o', WM_SYSCHAR); }, Ending::Accepted},
@@ -937,6 +941,13 @@ TEST(InputBoxWindow, IsTheOnlyOneOfItsThread) {
 
 void CALLBACK pressOk(HWND, UINT, UINT_PTR, DWORD) {
     for (const HWND dialog : openDialogs()) OpenBox(dialog).press(Form::cmdOK);
+}
+
+TEST(InputBoxWindow, MayHaveAMessageBoxOverIt) {
+    asked(number(0, 10), [](const OpenBox&) {
+        const WhileOpen whileOpen([](HWND message) { PostMessageW(message, WM_COMMAND, IDYES, 0); });
+        EXPECT_EQ(showMessageBox(u"Sure?", u"Corvane", MB_YESNO), IDYES);
+    });
 }
 
 TEST(InputBoxWindow, OpensOnEachThread) {
