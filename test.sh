@@ -3,8 +3,8 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed fuzz lint; without names, all of
-# them, and with --long also same-build. A failed step does not keep the others from running. --long sets
+# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint fuzz same-build; without
+# names, all but the last two, which --long adds. A failed step does not keep the others from running. --long sets
 # CORVANE_LONG=1, which every test program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
@@ -24,8 +24,8 @@ for argument in "$@"; do
     esac
 done
 if [ ${#steps[@]} = 0 ]; then
-    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed fuzz lint)
-    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(same-build); fi
+    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint)
+    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz same-build); fi
 fi
 
 logs=build/test-logs
