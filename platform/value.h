@@ -60,10 +60,10 @@ protected:
     ValueView& operator=(const ValueView&) noexcept = default;
 
     static Text::Buffer* bufferOf(Payload payload) noexcept {
-        return reinterpret_cast<Text::Buffer*>(static_cast<std::uintptr_t>(payload.bits));
+        return reinterpret_cast<Text::Buffer*>(static_cast<std::uintptr_t>(payload.bits));  // NOLINT: an address
     }
     static SharedRecord* recordOf(Payload payload) noexcept {
-        return reinterpret_cast<SharedRecord*>(static_cast<std::uintptr_t>(payload.bits));
+        return reinterpret_cast<SharedRecord*>(static_cast<std::uintptr_t>(payload.bits));  // NOLINT: an address
     }
 
     ValueType type_;
