@@ -1,5 +1,6 @@
 #include "tests/com/dispatched_event.h"
 
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -66,8 +67,7 @@ Event DispatchedEvent::read(DISPID event, DataSetAccess& dataSets) {
         }
     }
     if (values.back().boolean()) throw std::runtime_error(name + ": tSucess does not start as False");
-    values.pop_back();
-    return Event(row.id, values);
+    return Event(row.id, std::span<const Value>(values).first(values.size() - 1));
 }
 
 void DispatchedEvent::giveBack() {
