@@ -136,8 +136,9 @@ public:
         V_VARIANTREF(&arguments[0]) = count.get();
         DISPPARAMS parameters{arguments.data(), nullptr, 2, 0};
         control_.invokeWith(u"GetEditable", DISPATCH_METHOD, parameters, nullptr);
-        EXPECT_EQ((V_VT(rows.get()) & VT_ARRAY) != 0, V_I4(count.get()) > 0);
-        return V_VT(count.get()) == VT_EMPTY ? 0 : V_I4(count.get());
+        const std::int32_t editable = V_VT(count.get()) == VT_EMPTY ? 0 : V_I4(count.get());
+        EXPECT_EQ((V_VT(rows.get()) & VT_ARRAY) != 0, editable > 0);
+        return editable;
     }
     bool EditDataVariable(std::int32_t index, float value) override {
         return control_.call(u"EditDataVariable", {Value::ofLong(index), Value::ofSingle(value)}).boolean();
