@@ -72,7 +72,8 @@ public:
     /// Throws std::bad_alloc.
     std::unique_ptr<EventArguments> take(const EventRow& row) {
         std::unique_ptr<EventArguments>& kept = keptFor(row);
-        return kept ? std::move(kept) : std::make_unique<EventArguments>(row);
+        if (!kept) kept = std::make_unique<EventArguments>(row);
+        return std::move(kept);
     }
     void keep(const EventRow& row, std::unique_ptr<EventArguments> arguments) noexcept {
         if (row.ownsValues) arguments->dropLongTexts();

@@ -60,7 +60,7 @@ TEST_F(ScriptFiles, APathMayHoldCharactersOutsideTheCodePage) {
     const TemporaryFolder folder;
     const std::filesystem::path name(u"\u041F\u0440\u043E\u0431\u0430 \u8A66\u9A13 \U0001F9EA");
     std::filesystem::create_directory(folder.path(name));
-    const auto path = folder.write(name / name, namedScript);
+    const auto path = folder.write(name / u"\u8349\u7A3F", namedScript);
     const auto control = newControl();
     EXPECT_EQ(loadFile(*control.get(), path.u16string()), "True");
     EXPECT_EQ(constantOf(*control.get(), u"Which"), "this one");

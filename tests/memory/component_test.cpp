@@ -204,8 +204,8 @@ TEST_F(ComponentMemoryRunsOut, InEachMemberThatHandsOutATextOrAVariant) {
              return variantOf([&](VARIANT* value) { return control.FunctionNameFromType(&kind, value); });
          }},
     };
-    for (const auto& [member, call] : members)
-        refuseEach(member, loaded(), [&](Host& host) { return call(*host.control.get()); });
+    for (const auto& member : members)
+        refuseEach(member.first, loaded(), [&](Host& host) { return member.second(*host.control.get()); });
 }
 
 // Where there is no memory to say more, the number alone is left. An error that could not even come about is that of
