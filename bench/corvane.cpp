@@ -95,13 +95,13 @@ Workload loop() {
 
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto instrument = std::make_shared<Instrument>();
-    instrument->load(fromUtf8("Again:\n" + call + "\nGoto(Again)\n"));
+    instrument->load(fromUtf8("Again:\n" + callsInTurn(call + "\n") + "Goto(Again)\n"));
     return {name, static_cast<std::int64_t>(callsOfStatement), [=] {
                 Host& host = instrument->host;
                 host.sum = 0;
                 host.characters = 0;
                 host.after = 0;
-                host.last = 2 * static_cast<std::int64_t>(callsOfStatement);
+                host.last = static_cast<std::int64_t>(callsOfStatement + turnsOfStatement);
                 const double seconds = secondsOf([&] { instrument->engine.ExecuteList(); });
                 expect(host.sum == sum * static_cast<double>(callsOfStatement), name);
                 expect(host.characters == characters * callsOfStatement, name);

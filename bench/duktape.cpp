@@ -95,8 +95,8 @@ Workload loop(const std::string& manner, const std::string& text, std::int64_t c
 
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto heap = std::make_shared<Heap>();
-    const std::string text = inFunction("for (var n = 0; n < " + std::to_string(callsOfStatement) +
-                                        "; ++n) { before();\n" + call + ";\nafter(); before(); after(); }\n");
+    const std::string text = inFunction("for (var n = 0; n < " + std::to_string(turnsOfStatement) + "; ++n) {\n" +
+                                        callsInTurn("before();\n" + call + ";\nafter();\n") + "before(); after(); }\n");
     return {name + "/Duktape", static_cast<std::int64_t>(callsOfStatement), [=] {
                 counts = {};
                 const double seconds = secondsOf([&] { heap->run(text); });

@@ -137,7 +137,8 @@ std::string loopOfHook() {
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto state = std::make_shared<State>();
     state->load("local before, after, SCTest, SCTestFull = before, after, SCTest, SCTestFull\nfor n = 1, " +
-                std::to_string(callsOfStatement) + " do\nbefore()\n" + call + "\nafter() before() after()\nend\n");
+                std::to_string(turnsOfStatement) + " do\n" + callsInTurn("before()\n" + call + "\nafter()\n") +
+                "before() after()\nend\n");
     return {name + "/" + system, static_cast<std::int64_t>(callsOfStatement), [=] {
                 counts = {};
                 const double seconds = secondsOf([&] { state->run(); });

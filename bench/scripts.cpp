@@ -30,6 +30,12 @@ std::string mixOf(std::size_t lines, int labels, const Notation& notation) {
     return text;
 }
 
+std::string callsInTurn(const std::string& call) {
+    std::string calls;
+    for (std::size_t i = 0; i < callsOfTurn; ++i) calls += call;
+    return calls;
+}
+
 std::string numbersCall() { return "SCTest(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13)"; }
 
 std::string mixedCall() {

@@ -28,7 +28,11 @@ inline constexpr double sumOfMixedCall = 136;
 inline constexpr std::size_t textsOfMixedCall = 9;  ///< characters
 
 inline constexpr std::size_t turnsOfLoop = 1'000'000;
-inline constexpr std::size_t callsOfStatement = 200'000;
+inline constexpr std::size_t turnsOfStatement = 20'000;
+inline constexpr std::size_t callsOfTurn = 10;  // so that what it takes to go round does not count for much
+inline constexpr std::size_t callsOfStatement = turnsOfStatement * callsOfTurn;
+/// What one turn consists of.
+std::string callsInTurn(const std::string& call);
 inline constexpr std::size_t linesOfShortScript = 100;
 
 /// The sizes of script that a load is measured with, and the share of labels.

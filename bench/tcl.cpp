@@ -107,8 +107,8 @@ Workload loop(const std::string& manner, const std::string& text, std::int64_t c
 
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto interpreter = std::make_shared<Interpreter>();
-    interpreter->run("proc work {} {\nfor {set n 0} {$n < " + std::to_string(callsOfStatement) +
-                     "} {incr n} {\nbefore\n" + commandOf(call) + "\nafter\nbefore\nafter\n}\n}\n");
+    interpreter->run("proc work {} {\nfor {set n 0} {$n < " + std::to_string(turnsOfStatement) + "} {incr n} {\n" +
+                     callsInTurn("before\n" + commandOf(call) + "\nafter\n") + "before\nafter\n}\n}\n");
     return {name + "/Tcl", static_cast<std::int64_t>(callsOfStatement), [=] {
                 counts = {};
                 const double seconds = secondsOf([&] { interpreter->run("work"); });

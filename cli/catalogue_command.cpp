@@ -38,7 +38,7 @@ std::string_view typeName(const EventArgument& argument) {
 
 /// The event that a statement of this kind raises besides FunctionCalled and KeepGoing, or null.
 const EventRow* eventRaisedBy(const StatementRow& statement) {
-    if (statement.execution.way == Execution::Way::Raises) return &eventRow(statement.execution.event);
+    if (statement.execution.raises()) return &eventRow(statement.execution.event);
     if (statement.kind == ctGetDataSetEx) return &eventRow(HostEvent::GetDataSet);
     if (statement.kind == ctBlockStart) return &eventRow(HostEvent::Info);
     const auto* row = std::find_if(eventTable.begin(), eventTable.end(),
@@ -65,7 +65,7 @@ struct Source {
 };
 
 std::optional<Source> sourceOf(const StatementRow& statement, std::size_t argument, std::size_t lastArgument) {
-    if (statement.execution.way != Execution::Way::Raises || argument == lastArgument) return std::nullopt;
+    if (!statement.execution.raises() || argument == lastArgument) return std::nullopt;
     if (argument < statement.execution.passed) return Source{argument + 1, {}};
     return Source{0, statement.execution.rest};
 }

@@ -42,7 +42,8 @@ public:
 
     /// What is kept of that item. Errors as above.
     ItemRecord& slotRecord(std::int32_t tIndex) const {
-        if (tIndex < 0 || tIndex >= boundCount_) refuseSlot(tIndex);
+        if (tIndex < 0 || tIndex >= boundCount_) [[unlikely]]
+            refuseSlot(tIndex);
         return *slots_[tIndex];
     }
     /// The same for all bound parameters.

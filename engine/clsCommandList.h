@@ -67,16 +67,37 @@ public:
     virtual void fault(const ScriptFault& fault) = 0;
 };
 
+/// What executing a statement answers: a result code and, from a statement that jumps, the address it leads to. One
+/// word, so that it travels in a register: what a statement leaves in memory, the next one waits for.
+class StatementResult {
+public:
+    StatementResult(ResultCode code) noexcept : bits_(code) {}  // NOLINT(google-explicit-constructor): the usual answer
+    StatementResult(ResultCode code, std::int32_t target) noexcept
+        : bits_(code | hasTargetBit | std::uint64_t{static_cast<std::uint32_t>(target)} << targetShift) {}
+
+    ResultCode code() const noexcept { return static_cast<ResultCode>(bits_ & codeMask); }
+    bool hasTarget() const noexcept { return (bits_ & hasTargetBit) != 0; }
+    std::int32_t target() const noexcept { return static_cast<std::int32_t>(bits_ >> targetShift); }
+
+private:
+    static constexpr std::uint64_t codeMask = 0xFF;
+    static constexpr std::uint64_t hasTargetBit = 0x100;
+    static constexpr int targetShift = 32;
+
+    std::uint64_t bits_;
+};
+
 /// A statement on its way through `ExecuteCommand`.
 struct StatementStep {
     const clsCommand& command;
-    clsDataList& memory;    ///< that of the statement's script
-    std::int32_t& address;  ///< where a jumping statement writes its target
-    bool execute = true;    ///< the host's answer to FunctionCalled; dialogs start from it
+    bool execute;  ///< the host's answer to FunctionCalled; dialogs start from it
 
     /// The item in a slot; errors as those of clsCommand::ParamPtr.
-    clsData item(std::int32_t slot) const { return memory.itemOf(command.slotRecord(slot)); }
-    ValueView view(std::int32_t slot) const { return item(slot).currentView(); }
+    clsData item(std::int32_t slot) const { return command.ParamPtr(slot); }
+    ValueView view(std::int32_t slot) const {
+        const ItemRecord& record = command.slotRecord(slot);
+        return {record.currentType, record.current};
+    }
 };
 
 /// The script engine: it parses a script into statements and data memory and runs them.
@@ -168,27 +189,29 @@ public:
     /// A statement uses the item at `position` as a label that is not defined yet.
     void noteForwardReference(std::uint32_t position, std::u16string_view where);
 
-    std::int32_t executeGoto(StatementStep& step);
-    std::int32_t executeCall(StatementStep& step);
-    std::int32_t executeReturn(StatementStep& step);
-    std::int32_t executeIfNotFinishLoopFlag(StatementStep& step);
-    std::int32_t executeIfGreaterThan(StatementStep& step);
-    std::int32_t executeIfLessThan(StatementStep& step);
-    std::int32_t executeIfNotEqual(StatementStep& step);
-    std::int32_t executeIfEqual(StatementStep& step);
-    std::int32_t executeSet(StatementStep& step);
-    std::int32_t executeDecrement(StatementStep& step);
-    std::int32_t executeIncrement(StatementStep& step);
-    std::int32_t executeMathsFunction(StatementStep& step);
-    std::int32_t executeConCatString(StatementStep& step);
-    std::int32_t executeInputNumber(StatementStep& step);
-    std::int32_t executeInputString(StatementStep& step);
-    std::int32_t executeInfo(StatementStep& step);
-    std::int32_t executeMsgAsk(StatementStep& step);
-    std::int32_t executeMsgInfo(StatementStep& step);
-    std::int32_t executeMsgInfoEx(StatementStep& step);
-    std::int32_t executeGetDataSet(StatementStep& step);
-    std::int32_t executeGetDataSetEx(StatementStep& step);
+    StatementResult executeGoto(StatementStep step);
+    StatementResult executeCall(StatementStep step);
+    StatementResult executeReturn(StatementStep step);
+    StatementResult executeIfNotFinishLoopFlag(StatementStep step);
+    StatementResult executeIfGreaterThan(StatementStep step);
+    StatementResult executeIfLessThan(StatementStep step);
+    StatementResult executeIfNotEqual(StatementStep step);
+    StatementResult executeIfEqual(StatementStep step);
+    StatementResult executeSet(StatementStep step);
+    StatementResult executeDecrement(StatementStep step);
+    StatementResult executeIncrement(StatementStep step);
+    StatementResult executeMathsFunction(StatementStep step);
+    StatementResult executeConCatString(StatementStep step);
+    StatementResult executeInputNumber(StatementStep step);
+    StatementResult executeInputString(StatementStep step);
+    StatementResult executeInfo(StatementStep step);
+    StatementResult executeMsgAsk(StatementStep step);
+    StatementResult executeMsgInfo(StatementStep step);
+    StatementResult executeMsgInfoEx(StatementStep step);
+    StatementResult executeGetDataSet(StatementStep step);
+    StatementResult executeGetDataSetEx(StatementStep step);
+    /// Raises the event that the statement's parameters make; its success decides the result.
+    StatementResult raiseToHost(const clsCommand& command, const Execution& execution);
 
 protected:
     /// Resets the data memory at the start of a run; false: no statement is run.
@@ -239,13 +262,11 @@ private:
 
     // clsCommandList_run.cpp
     bool runStatements();
-    std::int32_t execute(StatementStep& step, FunctionCall& call);
-    std::int32_t refuseKind(std::int32_t kind);
+    StatementResult execute(const clsCommand& command, FunctionCall& call);
+    StatementResult refuseKind(const clsCommand& command, FunctionCall& call);
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
-    bool applyResult(std::int32_t result, std::int32_t target, const clsCommand& command, std::int32_t& programCounter);
-    bool applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                          std::int32_t& programCounter);
+    bool advance(StatementResult result, const clsCommand& command, std::int32_t& programCounter);
     [[noreturn]] static void refuseAddress(std::int32_t address);
     static const clsCommand& commandAt(const LoadedScript& script, std::int32_t address);
     void reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,
@@ -255,14 +276,12 @@ private:
     void traceStatement(std::u16string_view introduction, const clsCommand& command);
 
     // clsCommandList_inside.cpp and clsCommandList_host.cpp
-    std::int32_t jump(StatementStep& step, std::int32_t parameter) const;
-    std::int32_t jumpIf(bool holds, StatementStep& step) const;
-    std::int32_t askOperator(const StatementStep& step, InputKind kind);
+    ResultCode askOperator(StatementStep step, InputKind kind);
     bool confirmCancel();
-    std::int32_t raiseToHost(const StatementStep& step, const Execution& execution);
-    std::int32_t raiseDataSet();
-    void fillDataSet(const StatementStep& step);
-    Value argumentOf(ValueView value, ValueType type) const;
+    ResultCode raiseDataSet();
+    void fillDataSet(StatementStep step);
+    Value::Payload argumentOf(ValueView value, ValueType type) const;
+    Value::Payload convertedArgument(ValueView value, ValueType type) const;
     inline Text textOf(ValueView value) const;
     inline float singleOf(ValueView value) const;
     inline bool booleanOf(ValueView value) const;
@@ -291,6 +310,12 @@ private:
     bool stopExecution_ = false;
     bool running_ = false;
 };
+
+/// The handler of a statement that a member function of the engine carries out.
+template <auto member>
+StatementResult handledBy(clsCommandList& engine, const clsCommand& command, bool execute, const Execution&) {
+    return (engine.*member)({command, execute});
+}
 
 // Asking for the locale is left to those values that need it.
 

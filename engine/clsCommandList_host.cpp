@@ -8,12 +8,23 @@
 
 namespace corvane {
 
-inline Value clsCommandList::argumentOf(ValueView value, ValueType type) const {
+// The payload of a value of its own. Numbers are singles as a rule, and their conversions part of the caller's loop.
+inline Value::Payload clsCommandList::argumentOf(ValueView value, ValueType type) const {
+    if (value.type() == type) return Value(value).detach();
+    if (value.type() == ValueType::Single) {
+        if (type == ValueType::Long && everyday::isLong(value)) return Value::ofLong(everyday::toLong(value)).detach();
+        if (type == ValueType::Boolean && everyday::isBoolean(value))
+            return Value::ofBoolean(everyday::toBoolean(value)).detach();
+    }
+    return convertedArgument(value, type);
+}
+
+Value::Payload clsCommandList::convertedArgument(ValueView value, ValueType type) const {
     switch (type) {
-        case ValueType::Single: return Value::ofSingle(singleOf(value));
-        case ValueType::Long: return Value::ofLong(longOf(value));
-        case ValueType::Boolean: return Value::ofBoolean(booleanOf(value));
-        default: return Value::ofText(textOf(value));
+        case ValueType::Single: return Value::ofSingle(singleOf(value)).detach();
+        case ValueType::Long: return Value::ofLong(longOf(value)).detach();
+        case ValueType::Boolean: return Value::ofBoolean(booleanOf(value)).detach();
+        default: return Value::ofText(textOf(value)).detach();
     }
 }
 
@@ -25,30 +36,33 @@ Value restOf(ValueType type, float rest) {
 
 }  // namespace
 
-std::int32_t clsCommandList::raiseToHost(const StatementStep& step, const Execution& execution) {
+StatementResult clsCommandList::raiseToHost(const clsCommand& command, const Execution& execution) {
     Event event(execution.event);
     const EventRow& row = event.row();
     const std::size_t last = row.argumentCount - std::size_t{1};
     const std::size_t passed = std::min<std::size_t>(execution.passed, last);
-    const std::span<ItemRecord* const> slots = step.command.slots();
+    const std::span<ItemRecord* const> slots = command.slots();
+    const std::size_t bound = std::min(passed, slots.size());
     std::size_t i = 0;
-    for (; i < passed; ++i) {
-        if (i >= slots.size()) clsCommand::refuseSlot(static_cast<std::int32_t>(i));
-        event.place(i, argumentOf({slots[i]->currentType, slots[i]->current}, row.arguments[i].type));
+    for (; i < bound; ++i) {
+        const ValueType type = row.types[i];
+        const ValueView value(slots[i]->currentType, slots[i]->current);
+        event.place(i, Value::adopt(type, argumentOf(value, type)));
     }
-    for (; i < last; ++i) event.place(i, restOf(row.arguments[i].type, execution.rest));
+    if (i < passed) clsCommand::refuseSlot(static_cast<std::int32_t>(i));
+    for (; i < last; ++i) event.place(i, restOf(row.types[i], execution.rest));
     event.place(last, Value::ofBoolean(false));
     owner_.raise(event);
     return event.succeeded() ? crNext : crFailed;
 }
 
-std::int32_t clsCommandList::executeGetDataSet(StatementStep& step) {
+StatementResult clsCommandList::executeGetDataSet(StatementStep step) {
     fillDataSet(step);
     dataSet_->LevellingType = ltNoLevelling;
     return raiseDataSet();
 }
 
-std::int32_t clsCommandList::executeGetDataSetEx(StatementStep& step) {
+StatementResult clsCommandList::executeGetDataSetEx(StatementStep step) {
     fillDataSet(step);
     dataSet_->LevellingFrom = static_cast<enumLevellingFrom>(longOf(step.view(4)));
     dataSet_->LevellingType = static_cast<enumLevellingType>(longOf(step.view(5)));
@@ -58,7 +72,7 @@ std::int32_t clsCommandList::executeGetDataSetEx(StatementStep& step) {
     return raiseDataSet();
 }
 
-void clsCommandList::fillDataSet(const StatementStep& step) {
+void clsCommandList::fillDataSet(StatementStep step) {
     dataSet_->HelixAngle = singleOf(step.view(0));
     dataSet_->TipSpeed = singleOf(step.view(1));
     dataSet_->Height = singleOf(step.view(2));
@@ -66,7 +80,7 @@ void clsCommandList::fillDataSet(const StatementStep& step) {
     dataSet_->TestResult = trNotRun;
 }
 
-std::int32_t clsCommandList::raiseDataSet() {
+ResultCode clsCommandList::raiseDataSet() {
     Event event(HostEvent::GetDataSet);
     event.append(Value::ofObject(*dataSet_));
     event.append(Value::ofBoolean(false));

@@ -1,5 +1,8 @@
 // The statements that the engine carries out itself: flow control, comparisons, values, questions and messages.
 
+#include <compare>
+#include <optional>
+
 #include "engine/clsCommandList.h"
 #include "platform/automation_error.h"
 #include "platform/value_rules.h"
@@ -13,21 +16,29 @@ constexpr std::u16string_view messageCaption = u"Corvane";
 
 // Flow control
 
-inline std::int32_t clsCommandList::jump(StatementStep& step, std::int32_t parameter) const {
-    step.address = longOf(step.view(parameter));
-    return crJump;
+namespace {
+
+// What the everyday ways leave to functions of their own costs them neither registers nor stack.
+[[gnu::noinline]] StatementResult jumpToConverted(const clsCommandList& engine, ValueView address) {
+    return {crJump, toLong(address, engine.locale())};
 }
 
-std::int32_t clsCommandList::executeGoto(StatementStep& step) { return jump(step, 0); }
-
-std::int32_t clsCommandList::executeCall(StatementStep& step) {
-    step.address = longOf(step.view(0));
-    return crCall;
+inline StatementResult jump(const clsCommandList& engine, StatementStep step, std::int32_t parameter) {
+    const ValueView address = step.view(parameter);
+    if (address.type() != ValueType::Long) [[unlikely]]
+        return jumpToConverted(engine, address);
+    return {crJump, address.longInteger()};
 }
 
-std::int32_t clsCommandList::executeReturn(StatementStep&) { return crReturn; }
+}  // namespace
 
-std::int32_t clsCommandList::executeIfNotFinishLoopFlag(StatementStep& step) {
+StatementResult clsCommandList::executeGoto(StatementStep step) { return jump(*this, step, 0); }
+
+StatementResult clsCommandList::executeCall(StatementStep step) { return {crCall, longOf(step.view(0))}; }
+
+StatementResult clsCommandList::executeReturn(StatementStep) { return crReturn; }
+
+StatementResult clsCommandList::executeIfNotFinishLoopFlag(StatementStep step) {
     // Kept: the flag is asked of the statement collection, which has no such member.
     if (!options_.designedMemberAccess) throw automation_error(ErrorNumber::MemberNotFound);
     if (EnvFinishLoopFlag()) {
@@ -38,64 +49,93 @@ std::int32_t clsCommandList::executeIfNotFinishLoopFlag(StatementStep& step) {
     required.append(Value::ofText(textOf(step.view(0))));
     required.append(Value::ofBoolean(false));
     owner_.raise(required);
-    step.address = longOf(step.view(1));
-    return required.succeeded() ? crJump : crFailed;
+    return {required.succeeded() ? crJump : crFailed, longOf(step.view(1))};
 }
 
 // Comparisons
 
 namespace {
 
-inline std::weak_ordering compareParameters(const StatementStep& step) { return compare(step.view(0), step.view(1)); }
+using Relation = bool(std::partial_ordering) noexcept;
+
+inline StatementResult jumpIf(bool holds, const clsCommandList& engine, StatementStep step) {
+    return holds ? jump(engine, step, 2) : crNext;
+}
+
+template <Relation holds>
+[[gnu::noinline]] StatementResult compareOthers(const clsCommandList& engine, StatementStep step) {
+    return jumpIf(holds(platform_rules::compare(step.view(0), step.view(1))), engine, step);
+}
+
+template <Relation holds>
+inline StatementResult compareParameters(const clsCommandList& engine, StatementStep step) {
+    const ValueView left = step.view(0);
+    const ValueView right = step.view(1);
+    if (!everyday::isComparable(left, right)) [[unlikely]]
+        return compareOthers<holds>(engine, step);
+    return jumpIf(holds(everyday::compare(left, right)), engine, step);
+}
 
 }  // namespace
 
-inline std::int32_t clsCommandList::jumpIf(bool holds, StatementStep& step) const {
-    return holds ? jump(step, 2) : crNext;
+StatementResult clsCommandList::executeIfGreaterThan(StatementStep step) {
+    return compareParameters<std::is_gt>(*this, step);
 }
 
-std::int32_t clsCommandList::executeIfGreaterThan(StatementStep& step) {
-    return jumpIf(compareParameters(step) > 0, step);
+StatementResult clsCommandList::executeIfLessThan(StatementStep step) {
+    return compareParameters<std::is_lt>(*this, step);
 }
 
-std::int32_t clsCommandList::executeIfLessThan(StatementStep& step) {
-    return jumpIf(compareParameters(step) < 0, step);
+StatementResult clsCommandList::executeIfNotEqual(StatementStep step) {
+    return compareParameters<std::is_neq>(*this, step);
 }
 
-std::int32_t clsCommandList::executeIfNotEqual(StatementStep& step) {
-    return jumpIf(compareParameters(step) != 0, step);
+StatementResult clsCommandList::executeIfEqual(StatementStep step) {
+    return compareParameters<std::is_eq>(*this, step);
 }
-
-std::int32_t clsCommandList::executeIfEqual(StatementStep& step) { return jumpIf(compareParameters(step) == 0, step); }
 
 // Values
 
-std::int32_t clsCommandList::executeSet(StatementStep& step) {
+StatementResult clsCommandList::executeSet(StatementStep step) {
     step.item(0).setCurrentValue(step.item(1).CurrentValue());
     return crNext;
 }
 
-std::int32_t clsCommandList::executeDecrement(StatementStep& step) {
+namespace {
+
+using EverydayRule = std::optional<float>(ValueView, ValueView);
+using UnusualRule = Value(ValueView, ValueView, const NumberLocale&);
+
+constexpr ValueView one(ValueType::Integer, {1});
+
+template <UnusualRule rule>
+[[gnu::noinline]] StatementResult changeOther(const clsCommandList& engine, StatementStep step) {
     const clsData item = step.item(0);
-    const Value one = Value::ofInteger(1);
-    if (const auto difference = everyday::subtract(item.currentView(), one))
-        item.setCurrentSingle(*difference);
-    else
-        item.setCurrentValue(subtract(item.currentView(), one, locale()));
+    item.setCurrentValue(rule(item.currentView(), one, engine.locale()));
     return crNext;
 }
 
-std::int32_t clsCommandList::executeIncrement(StatementStep& step) {
+template <EverydayRule everydayRule, UnusualRule rule>
+inline StatementResult changeByOne(const clsCommandList& engine, StatementStep step) {
     const clsData item = step.item(0);
-    const Value one = Value::ofInteger(1);
-    if (const auto sum = everyday::add(item.currentView(), one))
-        item.setCurrentSingle(*sum);
-    else
-        item.setCurrentValue(add(item.currentView(), one, locale()));
+    const auto result = everydayRule(item.currentView(), one);
+    if (!result) [[unlikely]]
+        return changeOther<rule>(engine, step);
+    item.setCurrentSingle(*result);
     return crNext;
 }
 
-std::int32_t clsCommandList::executeMathsFunction(StatementStep& step) {
+}  // namespace
+
+StatementResult clsCommandList::executeDecrement(StatementStep step) {
+    return changeByOne<everyday::subtract, unusual::subtract>(*this, step);
+}
+
+StatementResult clsCommandList::executeIncrement(StatementStep step) {
+    return changeByOne<everyday::add, unusual::add>(*this, step);
+}
+
+StatementResult clsCommandList::executeMathsFunction(StatementStep step) {
     constexpr std::size_t returnArgument = 5;
     Event maths(HostEvent::MathsFunction);
     maths.append(Value::ofText(textOf(step.view(0))));
@@ -109,7 +149,7 @@ std::int32_t clsCommandList::executeMathsFunction(StatementStep& step) {
     return crNext;
 }
 
-std::int32_t clsCommandList::executeConCatString(StatementStep& step) {
+StatementResult clsCommandList::executeConCatString(StatementStep step) {
     const Text left = textOf(step.view(1));
     const Text right = textOf(step.view(2));
     step.item(0).setCurrentValue(Value::ofText(Text::join(left.view(), right.view())));
@@ -118,7 +158,7 @@ std::int32_t clsCommandList::executeConCatString(StatementStep& step) {
 
 // Input
 
-std::int32_t clsCommandList::executeInputNumber(StatementStep& step) {
+StatementResult clsCommandList::executeInputNumber(StatementStep step) {
     constexpr std::size_t executeArgument = 4;
     Event input(HostEvent::InputNumber);
     input.append(Value::ofText(textOf(step.view(0))));
@@ -133,7 +173,7 @@ std::int32_t clsCommandList::executeInputNumber(StatementStep& step) {
     return input.succeeded() ? crNext : crFailed;
 }
 
-std::int32_t clsCommandList::executeInputString(StatementStep& step) {
+StatementResult clsCommandList::executeInputString(StatementStep step) {
     constexpr std::size_t valueArgument = 2;
     constexpr std::size_t executeArgument = 3;
     bool execute = step.execute;
@@ -157,7 +197,7 @@ std::int32_t clsCommandList::executeInputString(StatementStep& step) {
     return crNext;
 }
 
-std::int32_t clsCommandList::askOperator(const StatementStep& step, InputKind kind) {
+ResultCode clsCommandList::askOperator(StatementStep step, InputKind kind) {
     for (;;) {
         const Text question = textOf(step.view(0));
         InputRequest request;
@@ -191,7 +231,7 @@ bool clsCommandList::confirmCancel() {
 
 // Messages
 
-std::int32_t clsCommandList::executeInfo(StatementStep& step) {
+StatementResult clsCommandList::executeInfo(StatementStep step) {
     Event info(HostEvent::Info);
     info.append(Value::ofText(textOf(step.view(0))));
     info.append(Value::ofBoolean(false));
@@ -199,7 +239,7 @@ std::int32_t clsCommandList::executeInfo(StatementStep& step) {
     return info.succeeded() ? crNext : crFailed;
 }
 
-std::int32_t clsCommandList::executeMsgAsk(StatementStep& step) {
+StatementResult clsCommandList::executeMsgAsk(StatementStep step) {
     constexpr std::size_t executeArgument = 2;
     Event ask(HostEvent::MsgAsk);
     ask.append(Value::ofText(textOf(step.view(0))));
@@ -212,10 +252,10 @@ std::int32_t clsCommandList::executeMsgAsk(StatementStep& step) {
     const Text question = textOf(step.view(0));
     const std::optional<std::int32_t> answer = services_.dialogs.showMessage(
         {.text = question.view(), .caption = messageCaption, .style = yesNoQuestionStyle, .helpFile = {}});
-    return answer == yesAnswer ? jump(step, 1) : crNext;
+    return answer == yesAnswer ? jump(*this, step, 1) : crNext;
 }
 
-std::int32_t clsCommandList::executeMsgInfo(StatementStep& step) {
+StatementResult clsCommandList::executeMsgInfo(StatementStep step) {
     constexpr std::size_t executeArgument = 1;
     if (!step.execute) return crNext;
     Event message(HostEvent::MsgInfo);
@@ -231,7 +271,7 @@ std::int32_t clsCommandList::executeMsgInfo(StatementStep& step) {
     return crNext;
 }
 
-std::int32_t clsCommandList::executeMsgInfoEx(StatementStep& step) {
+StatementResult clsCommandList::executeMsgInfoEx(StatementStep step) {
     constexpr std::size_t executeArgument = 2;
     if (!step.execute) return crNext;
     Event message(HostEvent::MsgInfoEx);

@@ -1,4 +1,4 @@
-// The run loop: ExecuteList is the door, ExecuteCommand carries out one statement, applyResult turns its result
+// The run loop: ExecuteList is the door, ExecuteCommand carries out one statement, ApplyCommandResult turns its result
 // code into the next address.
 
 #include <limits>
@@ -65,40 +65,28 @@ private:
 };
 
 // Part of the loop itself: a call more a statement would be felt.
-[[gnu::always_inline]] inline std::int32_t clsCommandList::execute(StatementStep& step, FunctionCall& call) {
-    // A block start is an information in all respects.
-    const std::int32_t kind = step.command.CommandType() == ctBlockStart ? ctInfo : step.command.CommandType();
-    step.execute = call.ask(owner_, kind);
-    const Execution* const execution = findExecution(kind);
-    if (execution == nullptr) return refuseKind(kind);
-    if (execution->way == Execution::Way::Inside) return (this->*execution->handler)(step);
-    return raiseToHost(step, *execution);
+[[gnu::always_inline]] inline StatementResult clsCommandList::execute(const clsCommand& command, FunctionCall& call) {
+    const Execution* const execution = findExecution(command.CommandType());
+    if (execution == nullptr) [[unlikely]]
+        return refuseKind(command, call);
+    const bool isExecuted = call.ask(owner_, execution->calledAs);
+    return execution->handler(*this, command, isExecuted, *execution);
 }
 
 // Kept: reported to the statement collection, which has no SyntaxError.
-std::int32_t clsCommandList::refuseKind(std::int32_t kind) {
+StatementResult clsCommandList::refuseKind(const clsCommand& command, FunctionCall& call) {
+    const std::int32_t kind = command.CommandType();
+    call.ask(owner_, kind);
     if (!options_.designedMemberAccess) throw automation_error(ErrorNumber::MemberNotFound);
     SyntaxError(u"Command Number: " + decimal(kind) + u" not found.");
     return crFailed;
 }
 
-// Whether the run goes on.
-[[gnu::always_inline]] inline bool clsCommandList::applyResult(std::int32_t result, std::int32_t target,
-                                                               const clsCommand& command,
-                                                               std::int32_t& programCounter) {
-    bool keepRunning = true;
-    if (result == crJump)
-        programCounter = addressPlus(target, -1);
-    else if (result != crNext)
-        keepRunning = applyOtherResult(result, target, command, programCounter);
-    programCounter = addressPlus(programCounter, 1);
-    return keepRunning && programCounter < commandCount();
-}
-
-bool clsCommandList::applyOtherResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                                      std::int32_t& programCounter) {
-    bool keepRunning = true;
+bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
+                                        std::int32_t& programCounter, bool& keepRunning) {
     switch (result) {
+        case crNext: break;
+        case crJump: programCounter = addressPlus(target, -1); break;
         case crCall:
             PushReturnAddress(addressPlus(programCounter, 1));
             programCounter = addressPlus(target, -1);
@@ -116,14 +104,27 @@ bool clsCommandList::applyOtherResult(std::int32_t result, std::int32_t target, 
                           result);
             keepRunning = false;
     }
-    return keepRunning;
+    programCounter = addressPlus(programCounter, 1);
+    if (programCounter >= commandCount()) keepRunning = false;
+    return false;  // Kept: never true; the loop's last test of that is therefore left out
 }
 
-// applyResult under its designed face, whose result is never true; the loop's last test of that is therefore left out.
-bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
-                                        std::int32_t& programCounter, bool& keepRunning) {
-    if (!applyResult(result, target, command, programCounter)) keepRunning = false;
-    return false;
+// ApplyCommandResult, with the two results that nearly all statements have answered at once; whether the run goes on.
+[[gnu::always_inline]] inline bool clsCommandList::advance(StatementResult result, const clsCommand& command,
+                                                           std::int32_t& programCounter) {
+    if (result.code() == crNext) {
+        ++programCounter;  // that of a statement is none of the highest
+    } else if (result.code() == crJump && result.target() >= 0) {
+        programCounter = result.target();
+    } else {
+        bool keepRunning = true;
+        std::int32_t address = programCounter;
+        ApplyCommandResult(result.code(), result.hasTarget() ? result.target() : address, command, address,
+                           keepRunning);
+        programCounter = address;
+        return keepRunning;
+    }
+    return programCounter < commandCount();
 }
 
 inline const clsCommand& clsCommandList::commandAt(const LoadedScript& script, std::int32_t address) {
@@ -140,38 +141,41 @@ void clsCommandList::refuseAddress(std::int32_t address) {
 bool clsCommandList::runStatements() {
     const ScriptUse use(*this);
     FunctionCall call;
-    LoadedScript* script = script_.get();
-    std::int32_t programCounter = 0;
-    programCounter_ = programCounter;
+    const LoadedScript* script = script_.get();
+    std::int32_t programCounter = programCounter_ = 0;
     for (;;) {
-        if (script != script_.get()) {  // a load took place; the statement that was under way has ended
+        if (script != script_.get()) [[unlikely]] {  // a load took place; the statement that was under way has ended
             script = script_.get();
             use.dropReplacedScripts();
         }
         const clsCommand& command = commandAt(*script, programCounter);
-        if (traceSink_ != nullptr) traceStatement(u"Running Command: ", command);
-        if (listener_ != nullptr) listener_->CommandStart(programCounter);
+        if (traceSink_ != nullptr) [[unlikely]]
+            traceStatement(u"Running Command: ", command);
+        if (listener_ != nullptr) [[unlikely]]
+            listener_->CommandStart(programCounter);
 
-        std::int32_t target = programCounter;
-        StatementStep step{command, script->dataMemory, target};
-        const std::int32_t result = execute(step, call);
-        const bool keepRunning = applyResult(result, target, command, programCounter);
+        const StatementResult result = execute(command, call);
+        const bool keepRunning = advance(result, command, programCounter);
         programCounter_ = programCounter;
 
-        owner_.CommandComplete(programCounter, result);
-        if (listener_ != nullptr) listener_->CommandComplete(programCounter, result);
+        owner_.CommandComplete(programCounter, result.code());
+        if (listener_ != nullptr) [[unlikely]]
+            listener_->CommandComplete(programCounter, result.code());
         services_.pump.yield();
         // Asked before the end of the list, so that a run stopped on its last statement counts as stopped.
-        if (stopExecution_) return false;
-        if (!keepRunning) return true;
+        if (stopExecution_) [[unlikely]]
+            return false;
+        if (!keepRunning) [[unlikely]]
+            return true;
     }
 }
 
 std::int32_t clsCommandList::ExecuteCommand(const clsCommand& tCommand, std::int32_t& tCurrentAddress) {
     const ScriptUse use(*this);
     FunctionCall call;
-    StatementStep step{tCommand, tCommand.script().dataMemory, tCurrentAddress};
-    return execute(step, call);
+    const StatementResult result = execute(tCommand, call);
+    if (result.hasTarget()) tCurrentAddress = result.target();
+    return result.code();
 }
 
 void clsCommandList::reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,

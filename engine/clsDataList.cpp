@@ -157,11 +157,13 @@ void clsData::setParameterType(std::int32_t typeCode) {
     list_->enterInIndex(*record_);
 }
 
-void clsData::setCurrentValueAndTell(Value value) const {
+void clsData::setCurrentValueAndTell(clsData item, Value value) {
     const Value told = value;
-    storeCurrentValue(std::move(value));
-    list_->listener_->CurrentValueChanged(*this, told);
+    item.storeCurrentValue(std::move(value));
+    item.list_->listener_->CurrentValueChanged(item, told);
 }
+
+void clsData::assign(clsData item, float number) { item.setCurrentValue(Value::ofSingle(number)); }
 
 void clsData::setInitialValue(Value value) {
     const Value previous = Value::adopt(record_->initialType, record_->initial);

@@ -70,7 +70,8 @@ public:
 private:
     friend class clsDataList;
     void storeCurrentValue(Value value) const;
-    void setCurrentValueAndTell(Value value) const;
+    static void setCurrentValueAndTell(clsData item, Value value);
+    static void assign(clsData item, float number);
     clsData(clsDataList& list, ItemRecord& record) : list_(&list), record_(&record) {}
 
     clsDataList* list_;
@@ -184,14 +185,14 @@ inline void clsData::setCurrentValue(Value value) const {
     if (list_->listener_ == nullptr)
         storeCurrentValue(std::move(value));
     else
-        setCurrentValueAndTell(std::move(value));
+        setCurrentValueAndTell(*this, std::move(value));
 }
 
 inline void clsData::setCurrentSingle(float number) const {
-    if (record_->currentType == ValueType::Single && list_->listener_ == nullptr)
+    if (record_->currentType == ValueType::Single && list_->listener_ == nullptr) [[likely]]
         record_->current = Value::ofSingle(number).detach();
     else
-        setCurrentValue(Value::ofSingle(number));
+        assign(*this, number);
 }
 
 inline Value clsData::InitialValue() const { return Value::copyOf(record_->initialType, record_->initial); }

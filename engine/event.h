@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cassert>
 #include <cstddef>
 #include <initializer_list>
@@ -28,8 +29,9 @@ public:
     Event& operator=(const Event&) = delete;
     ~Event() {
         // Most events carry nothing that needs release, and one is raised before and after each statement.
-        if (row_->ownsValues)
-            for (std::size_t i = 0; i < count_; ++i) slots()[i].~Value();
+        const std::uint32_t written = (std::uint32_t{1} << count_) - 1;
+        for (std::uint32_t owned = row_->ownedPlaces & written; owned != 0; owned &= owned - 1)
+            slots()[std::countr_zero(owned)].~Value();
     }
 
     HostEvent id() const noexcept { return row_->id; }
@@ -65,7 +67,7 @@ private:
     void append(Value value) noexcept { place(count_, std::move(value)); }
     /// The argument that comes next, by a raiser that counts itself: reading back what was just written takes time.
     void place(std::size_t next, Value value) noexcept {
-        assert(next < row_->argumentCount && value.type() == row_->arguments[next].type);
+        assert(next < row_->argumentCount && value.type() == row_->types[next]);
         new (&storage_[next * sizeof(Value)]) Value(std::move(value));
         count_ = next + 1;
     }

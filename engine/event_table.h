@@ -78,8 +78,9 @@ struct EventRow {
     enumCommandType recordedAs;  ///< the kind that the program listing records; ctUnknown: not recorded
     std::uint8_t recordedCount;  ///< how many arguments, from the first, the program listing records
     std::uint8_t argumentCount;
-    bool ownsValues;  ///< whether one of the arguments is a text or an object
+    std::uint32_t ownedPlaces;  ///< a bit for each argument that is a text or an object, the first the lowest
     std::array<EventArgument, maximumEventArguments> arguments;
+    std::array<ValueType, maximumEventArguments> types;  ///< those of the arguments, close together
 
     constexpr EventRow(HostEvent event, std::string_view eventName, enumCommandType kind, std::uint8_t recorded,
                        std::initializer_list<EventArgument> list)
@@ -88,11 +89,13 @@ struct EventRow {
           recordedAs(kind),
           recordedCount(recorded),
           argumentCount(0),
-          ownsValues(false),
-          arguments() {
+          ownedPlaces(0),
+          arguments(),
+          types() {
         for (const EventArgument& argument : list) {
+            if (argument.type >= ValueType::Text) ownedPlaces |= std::uint32_t{1} << argumentCount;
+            types.at(argumentCount) = argument.type;
             arguments.at(argumentCount++) = argument;
-            ownsValues = ownsValues || argument.type == ValueType::Text || argument.type == ValueType::Object;
         }
     }
 };

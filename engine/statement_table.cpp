@@ -17,11 +17,16 @@ constexpr std::int32_t String = ptConstant | ptString;
 constexpr std::int32_t NumberOrString = ptConstant | ptNumber | ptString;
 constexpr std::int32_t Anything = 255;  // reserved slots; the only ones that admit an environment variable
 
-constexpr Execution inside(Execution::Handler handler) { return {Execution::Way::Inside, handler, {}, 0, 0.0F}; }
+constexpr Execution inside(Execution::Handler handler, enumCommandType calledAs = ctUnknown) {
+    return {handler, calledAs, HostEvent{}, 0, 0.0F};
+}
 
 constexpr std::uint8_t everyArgument = 0xFF;
 constexpr Execution raises(HostEvent event, std::uint8_t passed = everyArgument, float rest = 0.0F) {
-    return {Execution::Way::Raises, nullptr, event, passed, rest};
+    return {[](clsCommandList& engine, const clsCommand& command, bool, const Execution& execution) {
+                return engine.raiseToHost(command, execution);
+            },
+            ctUnknown, event, passed, rest};
 }
 
 }  // namespace
@@ -30,54 +35,54 @@ constexpr Execution raises(HostEvent event, std::uint8_t passed = everyArgument,
 extern constexpr std::array<StatementRow, statementKindCount> statementTable = {{
     // kind, keyword, count, description, parameters, execution
     {ctGoto, u"Goto", 1, u"Goto a given label",
-     {{Label, u"Jump Address"}}, inside(&clsCommandList::executeGoto)},
+     {{Label, u"Jump Address"}}, inside(handledBy<&clsCommandList::executeGoto>)},
     {ctCall, u"Call", 1, u"Call a given label",
-     {{Label, u"Call Address"}}, inside(&clsCommandList::executeCall)},
+     {{Label, u"Call Address"}}, inside(handledBy<&clsCommandList::executeCall>)},
     {ctReturn, u"Return", 0, u"Return back to the caller function",
-     {}, inside(&clsCommandList::executeReturn)},
+     {}, inside(handledBy<&clsCommandList::executeReturn>)},
     {ctIfNotFinishLoopFlag, u"IfNotFinishLoopFlag", 2, u"Jump to the given address if the user has not clicked the 'finish loop' button",
-     {{String, u"Question"}, {Label, u"Jump Address"}}, inside(&clsCommandList::executeIfNotFinishLoopFlag)},
+     {{String, u"Question"}, {Label, u"Jump Address"}}, inside(handledBy<&clsCommandList::executeIfNotFinishLoopFlag>)},
     {ctIfGreaterThan, u"IfGreaterThan", 3, u"Jump to the given label if the first number is greater than the second",
      {{Number, u"Left Value"}, {Number, u"Right Value"}, {Label, u"Jump Address"}},
-      inside(&clsCommandList::executeIfGreaterThan)},
+      inside(handledBy<&clsCommandList::executeIfGreaterThan>)},
     {ctIfLessThan, u"IfLessThan", 3, u"Jump to the given label if the first number is less than the second",
      {{Number, u"Left Value"}, {Number, u"Right Value"}, {Label, u"Jump Address"}},
-      inside(&clsCommandList::executeIfLessThan)},
+      inside(handledBy<&clsCommandList::executeIfLessThan>)},
     {ctIfNotEqual, u"IfNotEqual", 3, u"Jump to the given label if the first number is not equal than the second",
      {{Number, u"Left Value"}, {Number, u"Right Value"}, {Label, u"Jump Address"}},
-      inside(&clsCommandList::executeIfNotEqual)},
+      inside(handledBy<&clsCommandList::executeIfNotEqual>)},
     {ctIfEqual, u"IfEqual", 3, u"Jump to the given label if the first number is equal than the second",
      {{Number, u"Left Value"}, {Number, u"Right Value"}, {Label, u"Jump Address"}},
-      inside(&clsCommandList::executeIfEqual)},
+      inside(handledBy<&clsCommandList::executeIfEqual>)},
     {ctSet, u"Set", 2, u"Set the value of a variable",
-     {{AnyVariable, u"Variable"}, {NumberOrString, u"Value to set to"}}, inside(&clsCommandList::executeSet)},
+     {{AnyVariable, u"Variable"}, {NumberOrString, u"Value to set to"}}, inside(handledBy<&clsCommandList::executeSet>)},
     {ctDecrement, u"Decrement", 1, u"Decrement the value of a variable",
-     {{NumberVariable, u"Variable to Decrement"}}, inside(&clsCommandList::executeDecrement)},
+     {{NumberVariable, u"Variable to Decrement"}}, inside(handledBy<&clsCommandList::executeDecrement>)},
     {ctIncrement, u"Increment", 1, u"Increment the value of a variable",
-     {{NumberVariable, u"Variable to Increment"}}, inside(&clsCommandList::executeIncrement)},
+     {{NumberVariable, u"Variable to Increment"}}, inside(handledBy<&clsCommandList::executeIncrement>)},
     // Kept: this description belongs to a block start, and WaitTime's to a message box.
     {ctMathsFunction, u"MathsFunction", 6, u"Start a Script Block",
      {{String, u"Perform a Complex Mathamatical Calculation"}, {NumberVariable, u"Number to be set with the vaule"},
       {Number, u"Parameter 0"}, {Number, u"Parameter 1"}, {Number, u"Parameter 2"}, {Number, u"Parameter 3"}},
-      inside(&clsCommandList::executeMathsFunction)},
+      inside(handledBy<&clsCommandList::executeMathsFunction>)},
     {ctConCatString, u"ConCatString", 3, u"Join two string",
      {{StringVariable, u"Variable to Set"}, {NumberOrString, u"Left String"}, {NumberOrString, u"Right String"}},
-      inside(&clsCommandList::executeConCatString)},
+      inside(handledBy<&clsCommandList::executeConCatString>)},
     {ctInputNumber, u"InputNumber", 4, u"Input a number from the User within a give range",
      {{String, u"Question"}, {NumberVariable, u"Variable to Set"}, {Number, u"Lower Range"},
-      {Number, u"Upper Range"}}, inside(&clsCommandList::executeInputNumber)},
+      {Number, u"Upper Range"}}, inside(handledBy<&clsCommandList::executeInputNumber>)},
     {ctInputString, u"InputString", 3, u"Input a string from the User within a maximum length",
      {{String, u"Question"}, {StringVariable, u"Variable to Set"}, {Number, u"Maximum Length"}},
-      inside(&clsCommandList::executeInputString)},
+      inside(handledBy<&clsCommandList::executeInputString>)},
     {ctInfo, u"Info", 1, u"Display a message on the screen",
-     {{String, u"Information"}}, inside(&clsCommandList::executeInfo)},
+     {{String, u"Information"}}, inside(handledBy<&clsCommandList::executeInfo>)},
     {ctMsgAsk, u"MsgAsk", 2, u"Jump to the given label if the user answers yes to the given question",
-     {{String, u"Question Yes/No"}, {Label, u"Jump Address"}}, inside(&clsCommandList::executeMsgAsk)},
+     {{String, u"Question Yes/No"}, {Label, u"Jump Address"}}, inside(handledBy<&clsCommandList::executeMsgAsk>)},
     {ctMsgInfo, u"MsgInfo", 1, u"Display a message box telling the user something",
-     {{String, u"Information Box"}}, inside(&clsCommandList::executeMsgInfo)},
+     {{String, u"Information Box"}}, inside(handledBy<&clsCommandList::executeMsgInfo>)},
     {ctMsgInfoEx, u"MsgInfoEx", 2, u"Display a message box telling the user something",
      {{String, u"Information Box"}, {String, u"Play Sound ID (0 = None)"}},
-      inside(&clsCommandList::executeMsgInfoEx)},
+      inside(handledBy<&clsCommandList::executeMsgInfoEx>)},
     {ctWaitTime, u"WaitTime", 2, u"Display a message box telling the user something",
      {{Number, u"Duration"}, {String, u"Message"}}, raises(HostEvent::WaitTime)},
     {ctAddAnalysisMacro, u"AddAnalysisMacro", 1, u"Adds an Analysis Macro to the Data File",
@@ -94,12 +99,12 @@ extern constexpr std::array<StatementRow, statementKindCount> statementTable = {
       raises(HostEvent::AddDataSetVariable)},
     {ctGetDataSet, u"GetDataSet", 4, u"Move the Blade using the given parameters, recording data",
      {{Number, u"Helix Angle"}, {Number, u"Tip Speed"}, {Number, u"Height"}, {Number, u"Data Set Type"}},
-      inside(&clsCommandList::executeGetDataSet)},
+      inside(handledBy<&clsCommandList::executeGetDataSet>)},
     {ctGetDataSetEx, u"GetDataSetEx", 9, u"Move the Blade using the given parameters, recording data",
      {{Number, u"Helix Angle"}, {Number, u"Tip Speed"}, {Number, u"Height"}, {Number, u"Data Set Type"},
       {Number, u"Levelling From"}, {Number, u"Levelling Type"}, {Number, u"Levelling Trigger"},
       {Number, u"Levelling Helix Angle"}, {Number, u"Levelling Tip Speed"}},
-      inside(&clsCommandList::executeGetDataSetEx)},
+      inside(handledBy<&clsCommandList::executeGetDataSetEx>)},
     {ctRotateForDuration, u"RotateForDuration", 4, u"Maintain the current height and rotate the spindle",
      {{Number, u"Speed Mode"}, {Number, u"Tip Speed or Spindle RPM"}, {Number, u"Duration Mode"},
       {Number, u"Time or Revolutions"}}, raises(HostEvent::RotateForDuration)},
@@ -181,9 +186,9 @@ extern constexpr std::array<StatementRow, statementKindCount> statementTable = {
      {{Number, u"Measure"}, {Number, u"Force"}, {Number, u"Air Velocity mm/s"}, {Number, u"Pressure"},
       {Number, u"Hold Time"}, {Number, u"Min Height"}, {Number, u"Channel 1 or 2 (0 = Both)"},
       {Anything, u"Parameter 7"}}, raises(HostEvent::PressureControl)},
-    // Kept: runs as Info does, its FunctionCalled included; see clsCommandList::execute, which never asks this row how.
+    // Kept: an Info in all respects, FunctionCalled included.
     {ctBlockStart, u"BlockStart", 1, u"",
-     {{String, u"Block Identification"}}, inside(&clsCommandList::executeInfo)},
+     {{String, u"Block Identification"}}, inside(handledBy<&clsCommandList::executeInfo>, ctInfo)},
 }};
 // clang-format on
 

@@ -14,25 +14,26 @@
 namespace corvane {
 
 class clsCommandList;
+class StatementResult;
 struct StatementStep;
+class clsCommand;
 
 inline constexpr std::size_t statementKindCount = 49;
 inline constexpr enumCommandType firstStatementKind = ctGoto;
 inline constexpr enumCommandType lastStatementKind = ctBlockStart;
 
-/// What executing a statement does.
-struct Execution {
-    enum class Way : std::uint8_t {
-        Inside,  ///< a handler of the engine
-        Raises,  ///< one event to the host; the statement's n-th parameter becomes the event's n-th argument
-    };
-    using Handler = std::int32_t (clsCommandList::*)(StatementStep&);
+/// What executing a statement does: the engine carries it out itself, or it raises one event, whose n-th argument the
+/// statement's n-th parameter becomes.
+struct alignas(32) Execution {  // so that a kind's place is found by a shift
+    using Handler = StatementResult (*)(clsCommandList&, const clsCommand&, bool execute, const Execution&);
 
-    Way way = Way::Inside;
-    Handler handler = nullptr;
-    HostEvent event{};
-    std::uint8_t passed = 0;  ///< how many parameters go to the event
-    float rest = 0.0F;        ///< what the event's other arguments are filled with
+    Handler handler;
+    enumCommandType calledAs;  ///< the kind that FunctionCalled tells
+    HostEvent event;           ///< none of them: the engine carries the statement out
+    std::uint8_t passed;       ///< how many parameters go to the event
+    float rest;                ///< what the event's other arguments are filled with
+
+    constexpr bool raises() const { return event != HostEvent{}; }
 };
 
 struct StatementRow {
@@ -44,6 +45,7 @@ struct StatementRow {
                            std::u16string_view description, std::initializer_list<ParameterDefinition> parameters,
                            Execution how)
         : kind(type), definition{keyword, parameterCount, {}, description}, execution(how) {
+        if (execution.calledAs == ctUnknown) execution.calledAs = kind;
         std::size_t slot = 0;
         for (const ParameterDefinition& parameter : parameters) definition.Params.at(slot++) = parameter;
     }

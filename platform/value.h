@@ -35,7 +35,7 @@ public:
         std::uint64_t bits;
     };
 
-    ValueView(ValueType type, Payload payload) noexcept : type_(type), payload_(payload) {}
+    constexpr ValueView(ValueType type, Payload payload) noexcept : type_(type), payload_(payload) {}
     ValueView(const ValueView&) noexcept = default;
 
     ValueType type() const noexcept { return type_; }

@@ -111,6 +111,14 @@ inline std::optional<float> subtract(ValueView left, ValueView right) {
     return combine(left, right, [](float a, float b) { return a - b; });
 }
 
+inline bool isComparable(ValueView left, ValueView right) {
+    return left.type() == ValueType::Single && right.type() == ValueType::Single;
+}
+inline std::weak_ordering compare(ValueView left, ValueView right) {
+    if (left.single() < right.single()) return std::weak_ordering::less;
+    return left.single() == right.single() ? std::weak_ordering::equivalent : std::weak_ordering::greater;
+}
+
 }  // namespace everyday
 
 inline float toSingle(ValueView value, const NumberLocale& locale) {
@@ -146,11 +154,7 @@ inline Value subtract(ValueView left, ValueView right, const NumberLocale& local
 /// Numbers by value (a double beside a single in a single's precision), texts by code unit; any number is less than any
 /// text. What is not a number is greater than every number, itself included, on either side.
 inline std::weak_ordering compare(ValueView left, ValueView right) {
-    if (left.type() == ValueType::Single && right.type() == ValueType::Single) {
-        if (left.single() < right.single()) return std::weak_ordering::less;
-        return left.single() == right.single() ? std::weak_ordering::equivalent : std::weak_ordering::greater;
-    }
-    return platform_rules::compare(left, right);
+    return everyday::isComparable(left, right) ? everyday::compare(left, right) : platform_rules::compare(left, right);
 }
 
 namespace portable {

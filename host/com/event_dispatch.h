@@ -76,7 +76,7 @@ public:
         return std::move(kept);
     }
     void keep(const EventRow& row, std::unique_ptr<EventArguments> arguments) noexcept {
-        if (row.ownsValues) arguments->dropLongTexts();
+        if (row.ownedPlaces != 0) arguments->dropLongTexts();
         keptFor(row) = std::move(arguments);
     }
 

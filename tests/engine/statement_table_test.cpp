@@ -273,7 +273,7 @@ TEST(StatementTable, InstrumentStatementsFillTheirEventFromTheirParameters) {
     for (const Raised& expected : raisedEvents) {
         SCOPED_TRACE(expected.kind);
         const Execution& execution = findStatementRow(expected.kind)->execution;
-        ASSERT_EQ(execution.way, Execution::Way::Raises);
+        ASSERT_TRUE(execution.raises());
         EXPECT_EQ(eventRow(execution.event).name, expected.event);
         EXPECT_EQ(sourcesOf(execution), expected.sources);
     }
@@ -281,14 +281,14 @@ TEST(StatementTable, InstrumentStatementsFillTheirEventFromTheirParameters) {
 
 TEST(StatementTable, NoStatementRaisesTheExtendedShake) {
     for (const StatementRow& row : statementTable) {
-        if (row.execution.way != Execution::Way::Raises) continue;
+        if (!row.execution.raises()) continue;
         EXPECT_NE(row.execution.event, HostEvent::ShakeBladeEx) << row.kind;
     }
 }
 
 TEST(StatementTable, NoEventTakesAParameterThatTheStatementDoesNotHave) {
     for (const StatementRow& row : statementTable) {
-        if (row.execution.way != Execution::Way::Raises) continue;
+        if (!row.execution.raises()) continue;
         const std::int32_t arguments = eventRow(row.execution.event).argumentCount - 1;
         EXPECT_LE(std::min<std::int32_t>(row.execution.passed, arguments), row.definition.ParamCount) << row.kind;
     }
@@ -301,33 +301,33 @@ TEST(StatementTable, TheOtherStatementsRunInsideTheEngineByTheirOwnHandlers) {
         Execution::Handler handler;
     };
     const std::vector<Handled> handled = {
-        {ctGoto, &Engine::executeGoto},
-        {ctCall, &Engine::executeCall},
-        {ctReturn, &Engine::executeReturn},
-        {ctIfNotFinishLoopFlag, &Engine::executeIfNotFinishLoopFlag},
-        {ctIfGreaterThan, &Engine::executeIfGreaterThan},
-        {ctIfLessThan, &Engine::executeIfLessThan},
-        {ctIfNotEqual, &Engine::executeIfNotEqual},
-        {ctIfEqual, &Engine::executeIfEqual},
-        {ctSet, &Engine::executeSet},
-        {ctDecrement, &Engine::executeDecrement},
-        {ctIncrement, &Engine::executeIncrement},
-        {ctMathsFunction, &Engine::executeMathsFunction},
-        {ctConCatString, &Engine::executeConCatString},
-        {ctInputNumber, &Engine::executeInputNumber},
-        {ctInputString, &Engine::executeInputString},
-        {ctInfo, &Engine::executeInfo},
-        {ctMsgAsk, &Engine::executeMsgAsk},
-        {ctMsgInfo, &Engine::executeMsgInfo},
-        {ctMsgInfoEx, &Engine::executeMsgInfoEx},
-        {ctGetDataSet, &Engine::executeGetDataSet},
-        {ctGetDataSetEx, &Engine::executeGetDataSetEx},
-        {ctBlockStart, &Engine::executeInfo},
+        {ctGoto, handledBy<&Engine::executeGoto>},
+        {ctCall, handledBy<&Engine::executeCall>},
+        {ctReturn, handledBy<&Engine::executeReturn>},
+        {ctIfNotFinishLoopFlag, handledBy<&Engine::executeIfNotFinishLoopFlag>},
+        {ctIfGreaterThan, handledBy<&Engine::executeIfGreaterThan>},
+        {ctIfLessThan, handledBy<&Engine::executeIfLessThan>},
+        {ctIfNotEqual, handledBy<&Engine::executeIfNotEqual>},
+        {ctIfEqual, handledBy<&Engine::executeIfEqual>},
+        {ctSet, handledBy<&Engine::executeSet>},
+        {ctDecrement, handledBy<&Engine::executeDecrement>},
+        {ctIncrement, handledBy<&Engine::executeIncrement>},
+        {ctMathsFunction, handledBy<&Engine::executeMathsFunction>},
+        {ctConCatString, handledBy<&Engine::executeConCatString>},
+        {ctInputNumber, handledBy<&Engine::executeInputNumber>},
+        {ctInputString, handledBy<&Engine::executeInputString>},
+        {ctInfo, handledBy<&Engine::executeInfo>},
+        {ctMsgAsk, handledBy<&Engine::executeMsgAsk>},
+        {ctMsgInfo, handledBy<&Engine::executeMsgInfo>},
+        {ctMsgInfoEx, handledBy<&Engine::executeMsgInfoEx>},
+        {ctGetDataSet, handledBy<&Engine::executeGetDataSet>},
+        {ctGetDataSetEx, handledBy<&Engine::executeGetDataSetEx>},
+        {ctBlockStart, handledBy<&Engine::executeInfo>},
     };
     for (const Handled& expected : handled) {
         SCOPED_TRACE(expected.kind);
         const Execution& execution = findStatementRow(expected.kind)->execution;
-        EXPECT_EQ(execution.way, Execution::Way::Inside);
+        EXPECT_FALSE(execution.raises());
         EXPECT_TRUE(execution.handler == expected.handler);
     }
     EXPECT_EQ(handled.size() + raisedEvents.size(), statementTable.size());
