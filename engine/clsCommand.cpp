@@ -16,9 +16,17 @@ namespace corvane {
 
 /// The parameters while they are bound: what the type test and its messages need to know of each.
 struct clsCommand::Binding {
-    std::array<ItemRecord*, maximumParameters> slots;
-    std::array<std::int32_t, maximumParameters> actualTypes;
-    std::array<std::u16string_view, maximumParameters> tokens;
+    struct Parameter {
+        ItemRecord* item;
+        std::int32_t actualType;
+        const char16_t* begin;
+        std::size_t length;
+
+        std::u16string_view token() const { return {begin, length}; }
+    };
+    std::array<Parameter, maximumParameters> parameters;  // a statement pays for none that it does not have
+    std::int32_t count = 0;
+    bool fits = true;  // all types so far
 };
 
 clsCommand::clsCommand(clsCommandList& owner) : script_(&owner.script()), line_(owner.currentLine()) {}
@@ -48,21 +56,11 @@ bool clsCommand::ProcessParameterList(std::u16string_view afterKeyword) {
 bool clsCommand::SetParameters(std::u16string_view tParamList) {
     const FunctionDefinition& definition = functionDefinition(kind_);
     Binding binding;
-    std::int32_t count = 0;
-    std::u16string_view rest = tParamList;
-    while (!rest.empty()) {
-        std::u16string_view token;
-        std::int32_t actualType = 0;
-        const clsData item = bindNext(rest, token, actualType);
-        if (count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
-        const auto slot = static_cast<std::size_t>(count++);
-        binding.slots[slot] = &item.record();
-        binding.actualTypes[slot] = actualType;
-        binding.tokens[slot] = token;
-        if (count > definition.ParamCount) break;
-    }
-    ItemRecord** slots = script_->slots.allocate(static_cast<std::size_t>(count));
-    std::copy_n(binding.slots.begin(), count, slots);
+    BindParameters(tParamList, definition, binding);
+    const std::int32_t count = binding.count;
+    ItemRecord** const slots = script_->slots.allocate(static_cast<std::size_t>(count));
+    std::transform(binding.parameters.begin(), binding.parameters.begin() + count, slots,
+                   [](const Binding::Parameter& parameter) { return parameter.item; });
     slots_ = slots;
     boundCount_ = static_cast<std::uint8_t>(count);
 
@@ -70,11 +68,11 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     if (count != definition.ParamCount) {
         const bool tooMany = count > definition.ParamCount && count > 0;
         const std::u16string_view surplus =
-            tooMany ? binding.tokens[static_cast<std::size_t>(count - 1)] : std::u16string_view();
+            tooMany ? binding.parameters[static_cast<std::size_t>(count - 1)].token() : std::u16string_view();
         engine().SyntaxError(
             std::u16string(definition.Name) + u" requires " + decimal(definition.ParamCount) + u" parameters", surplus);
     } else {
-        fits = CheckParameterTypes(binding);
+        fits = binding.fits || CheckParameterTypes(binding);
     }
     TraceSink* const sink = engine().traceSink();
     if (sink != nullptr && (debugOptions() & doParsing) != 0) {
@@ -84,14 +82,25 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     return fits;
 }
 
+// One parameter more than the statement takes is enough to refuse it.
 // A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
 // compares stored numbers with the literal's text, and a number never equals a text.
-inline clsData clsCommand::bindNext(std::u16string_view& rest, std::u16string_view& token, std::int32_t& actualType) {
-    float number = 0;
-    actualType = ptConstant | ptNumber;
-    if (NextPlainNumber(rest, token, number)) return script_->dataMemory.AddLiteral(Value::ofSingle(number));
-    token = NextParameter(rest);
-    return bindParameter(token, actualType);
+void clsCommand::BindParameters(std::u16string_view list, const FunctionDefinition& definition, Binding& binding) {
+    while (!list.empty()) {
+        std::u16string_view token;
+        std::int32_t actualType = ptConstant | ptNumber;
+        float number = 0;
+        const bool isPlainNumber = NextPlainNumber(list, token, number);
+        if (!isPlainNumber) token = NextParameter(list);
+        const clsData item =
+            isPlainNumber ? script_->dataMemory.AddLiteral(Value::ofSingle(number)) : bindParameter(token, actualType);
+        if (binding.count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
+        const auto slot = static_cast<std::size_t>(binding.count++);
+        binding.parameters[slot] = {&item.record(), actualType, token.data(), token.size()};
+        const std::int32_t allowed = definition.Params[slot].ParamType;
+        binding.fits = binding.fits && actualType != ptUndeclared && (actualType & allowed) == actualType;
+        if (binding.count > definition.ParamCount) break;
+    }
 }
 
 clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actualType) {
@@ -128,21 +137,22 @@ clsData clsCommand::bindName(std::u16string_view name, std::int32_t& actualType)
     return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
 }
 
-// The first failure ends the test, unless every fault is wanted.
+// What is there to say of types that do not fit. The first failure ends it, unless every fault is wanted.
 bool clsCommand::CheckParameterTypes(const Binding& binding) const {
     const FunctionDefinition& definition = functionDefinition(kind_);
     bool fits = true;
     for (std::int32_t i = 0; i < definition.ParamCount && (fits || engine().isChecking()); ++i) {
         const auto slot = static_cast<std::size_t>(i);
-        const std::int32_t actual = binding.actualTypes[slot];
+        const Binding::Parameter& parameter = binding.parameters[slot];
+        const std::int32_t actual = parameter.actualType;
         const std::int32_t allowed = definition.Params[slot].ParamType;
         if (actual == ptUndeclared && allowed == ptLabel) {
-            engine().noteForwardReference(ItemStore::positionOf(*binding.slots[slot]), binding.tokens[slot]);
+            engine().noteForwardReference(ItemStore::positionOf(*parameter.item), parameter.token());
         } else if (actual == ptUndeclared) {
-            engine().SyntaxError(u"Undeclared identifier", binding.tokens[slot]);
+            engine().SyntaxError(u"Undeclared identifier", parameter.token());
             fits = false;
         } else if ((actual & allowed) != actual) {
-            engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), binding.tokens[slot]);
+            engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), parameter.token());
             fits = false;
         }
     }

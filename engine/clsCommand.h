@@ -14,6 +14,7 @@ namespace corvane {
 
 class clsCommandList;
 class NumericReading;
+struct FunctionDefinition;
 struct LoadedScript;
 
 /// One statement after binding: its kind and, for each parameter, the memory item that supplies or receives the value.
@@ -70,7 +71,7 @@ private:
 
     bool ProcessParameterList(std::u16string_view afterKeyword);
     bool CheckParameterTypes(const Binding& binding) const;
-    clsData bindNext(std::u16string_view& rest, std::u16string_view& token, std::int32_t& actualType);
+    void BindParameters(std::u16string_view list, const FunctionDefinition& definition, Binding& binding);
     clsData bindParameter(std::u16string_view token, std::int32_t& actualType);
     clsData bindName(std::u16string_view name, std::int32_t& actualType);
     clsData CreateLiteralItem(const NumericReading& reading) const;

@@ -34,9 +34,8 @@ public:
 
     bool next(std::u16string_view& line) {
         if (atEnd_) return false;
-        const auto endsLine = [](char16_t c) { return c <= u'\r' && (c == u'\r' || c == u'\n'); };
-        const std::size_t end =
-            static_cast<std::size_t>(std::find_if(rest_.begin(), rest_.end(), endsLine) - rest_.begin());
+        const char16_t* const begin = rest_.data();
+        const auto end = static_cast<std::size_t>(FindEither(begin, begin + rest_.size(), u'\r', u'\n') - begin);
         line = rest_.substr(0, end);
         atEnd_ = end == rest_.size();
         if (atEnd_) return true;

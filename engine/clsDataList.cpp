@@ -17,11 +17,9 @@ clsDataList::~clsDataList() {
 
 clsData clsDataList::AddItem(std::u16string_view identifier, std::int32_t typeCode, Value initialValue) {
     if (!identifier.empty()) identifiers_.emplaceBack(identifier);
-    ItemRecord& record = items_.append(0);
+    ItemRecord& record = items_.append(0, std::move(initialValue));
     if (!identifier.empty()) record.identifier = static_cast<std::uint32_t>(identifiers_.size());
     storeTypeCode(record, typeCode);
-    record.initialType = initialValue.type();
-    record.initial = std::move(initialValue).detach();
     enterInIndex(record);
     return itemOf(record);
 }

@@ -166,9 +166,7 @@ private:
 
 inline clsData clsDataList::AddLiteral(Value value) {
     const auto typeCode = static_cast<std::uint8_t>(ptConstant | (value.isText() ? ptString : ptNumber));
-    ItemRecord& record = items_.append(typeCode);
-    record.initialType = value.type();
-    record.initial = std::move(value).detach();
+    ItemRecord& record = items_.append(typeCode, std::move(value));
     if (index_) index_->appendNameless(typeCode, static_cast<std::uint32_t>(items_.size() - 1));
     return itemOf(record);
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "platform/value.h"
@@ -34,19 +35,20 @@ public:
         return blocks_[position / blockSize]->records[position % blockSize];
     }
 
-    /// Appends a nameless item with both values the 16-bit integer 0. Throws std::bad_alloc, also beyond 2^31 items,
-    /// and leaves the store as it was.
-    ItemRecord& append(std::uint8_t typeCode) {
+    /// Appends a nameless item whose current value is the 16-bit integer 0; it takes the initial value over. Throws
+    /// std::bad_alloc, also beyond 2^31 items, and leaves the store as it was.
+    ItemRecord& append(std::uint8_t typeCode, Value initial) {
         const std::size_t place = size_ % blockSize;
-        if (place == 0) addBlock();
-        ItemRecord& record = blocks_.back()->records[place];
-        record = {.initial = {},
-                  .current = {},
-                  .identifier = 0,
-                  .typeCode = typeCode,
-                  .place = static_cast<std::uint8_t>(place),
-                  .initialType = ValueType::Integer,
-                  .currentType = ValueType::Integer};
+        if (place == 0) [[unlikely]]
+            addBlock();
+        ItemRecord& record = last_->records[place];
+        record.typeCode = typeCode;
+        record.place = static_cast<std::uint8_t>(place);
+        record.identifier = 0;
+        record.currentType = ValueType::Integer;
+        record.current = {};
+        record.initialType = initial.type();
+        record.initial = std::move(initial).detach();
         ++size_;
         return record;
     }
@@ -69,10 +71,12 @@ private:
     void addBlock() {
         if (size_ >= mostItems) throw std::bad_alloc();
         blocks_.push_back(std::make_unique_for_overwrite<Block>());
-        blocks_.back()->firstPosition = static_cast<std::uint32_t>(size_);
+        last_ = blocks_.back().get();
+        last_->firstPosition = static_cast<std::uint32_t>(size_);
     }
 
     std::vector<std::unique_ptr<Block>> blocks_;
+    Block* last_ = nullptr;
     std::size_t size_ = 0;
 };
 

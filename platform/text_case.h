@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,10 @@ inline std::u16string toLower(std::u16string_view text) {
 
 /// Whether both texts are the same once converted to lower case.
 inline bool equalIgnoringCase(std::u16string_view left, std::u16string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+    if (left.size() != right.size()) return false;
+    if (left.empty()) return true;
+    if (std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0) return true;  // as mostly written
+    return std::equal(left.begin(), left.end(), right.begin(),
                       [](char16_t a, char16_t b) { return a == b || toLower(a) == toLower(b); });
 }
 
