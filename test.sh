@@ -139,7 +139,10 @@ for step in "${steps[@]}"; do
         command) check 'command' checkCommand ;;
         speed) check 'instruction counts' countInstructions ;;
         fuzz) check 'fuzz' tools/fuzz ${CORVANE_LONG:+--long} ;;
-        lint) check 'lint' lint ;;
+        lint)
+            check 'lint' lint
+            check 'cppcheck' tools/cppcheck
+            ;;
         same-build) check 'same-build' tools/same-build ;;
         native-release) buildAndTest native-release test_limits ;;
         *) buildAndTest "$step" ;;

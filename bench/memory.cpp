@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
             return 1;
         }
         prepare = reinterpret_cast<PrepareLoad*>(dlsym(library, "prepareLoad"));
-    }
+    }  // cppcheck-suppress resourceLeak ; what it prepares is called until the end
     std::function<void()> load;
     prepare(std::stoull(argv[1]), load);
     const std::size_t before = live;

@@ -17,12 +17,12 @@ void forEachWindow(Visit visit) {
     } walk{visit, nullptr};
     const auto step = [](HWND window, LPARAM argument) CALLBACK -> BOOL {
         if (IsWindowVisible(window) == FALSE) return TRUE;
-        Walk& walk = *reinterpret_cast<Walk*>(argument);
+        Walk& current = *reinterpret_cast<Walk*>(argument);
         // No exception may pass through the system's own code.
         try {
-            return walk.visit(window) ? TRUE : FALSE;
+            return current.visit(window) ? TRUE : FALSE;
         } catch (...) {
-            walk.failure = std::current_exception();
+            current.failure = std::current_exception();
             return FALSE;
         }
     };

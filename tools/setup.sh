@@ -13,7 +13,7 @@ native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
 tests='libwine-dev locales mingw-w64-tools python3 valgrind'
 windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-mingw-w64-i686-posix
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools python3 wine64 xdotool xvfb'
-checks='clang-format clang-tidy git python3 shellcheck'
+checks='clang-format clang-tidy cppcheck git python3 shellcheck'
 fuzz='clang-14 libclang-rt-14-dev llvm-14 python3'
 # shellcheck disable=SC2034  # read by its name alone, as it is no part of all
 bench='duktape-dev libbenchmark-dev liblua5.4-dev libluajit-5.1-dev python3 tcl8.6-dev'

@@ -303,8 +303,8 @@ private:
         for (UINT i = 0; i < arguments_.cNamedArgs; ++i) {
             const DISPID name = arguments_.rgdispidNamedArgs[i];
             const std::size_t position = name == DISPID_PROPERTYPUT ? count_ - 1 : static_cast<std::size_t>(name);
-            const bool known = name == DISPID_PROPERTYPUT ? member_.kind == INVOKE_PROPERTYPUT : name >= 0;
-            if (!known || position >= count_ || places_[position].argument != nullptr) {
+            const bool exists = name == DISPID_PROPERTYPUT ? member_.kind == INVOKE_PROPERTYPUT : name >= 0;
+            if (!exists || position >= count_ || places_[position].argument != nullptr) {
                 if (faultyArgument != nullptr) *faultyArgument = i;
                 return DISP_E_PARAMNOTFOUND;
             }

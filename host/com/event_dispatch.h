@@ -71,9 +71,9 @@ class KeptArguments {
 public:
     /// Throws std::bad_alloc.
     std::unique_ptr<EventArguments> take(const EventRow& row) {
-        std::unique_ptr<EventArguments>& kept = keptFor(row);
-        if (!kept) kept = std::make_unique<EventArguments>(row);
-        return std::move(kept);
+        std::unique_ptr<EventArguments> arguments = std::move(keptFor(row));
+        if (!arguments) arguments = std::make_unique<EventArguments>(row);
+        return arguments;
     }
     void keep(const EventRow& row, std::unique_ptr<EventArguments> arguments) noexcept {
         if (row.ownedPlaces != 0) arguments->dropLongTexts();

@@ -77,7 +77,7 @@ TEST_P(ExpectedLog, IsJsonLineByLineForPrograms) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, ExpectedLog, testing::ValuesIn(allRuns()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& parameter) { return parameter.param.name; });
 
 TEST(ExpectedLogs, CoverExamplesAndTestScripts) {
     EXPECT_EQ(scriptsIn("examples").size(), 6);

@@ -62,14 +62,13 @@ struct DataSetProperty {
     const char16_t* name;
     Get get;
     Put put;
-    Field clsDataSetParameters::*field;
+    Field field;
 };
 
 template <typename Use>
 void forEachDataSetProperty(Use&& use) {
-    const auto with = [&]<typename Published, typename Get, typename Put, typename Field>(
-                          Published, const char16_t* name, Get get, Put put, Field clsDataSetParameters::*field) {
-        use(DataSetProperty<Published, Get, Put, Field>{name, get, put, field});
+    const auto with = [&](auto published, const char16_t* name, auto get, auto put, auto field) {
+        use(DataSetProperty<decltype(published), decltype(get), decltype(put), decltype(field)>{name, get, put, field});
     };
     using Automation = _clsDataSetParameters;
     using Record = clsDataSetParameters;

@@ -58,8 +58,8 @@ protected:
             for (std::int32_t column = 0; column < 6; ++column) control->table.at(row, column) = cell(row, column);
         control->count = 2;
     }
-    Answer getInto(const VARIANT& table, const VARIANT& count) {
-        return invoke(*control.get(), getEditable, DISPATCH_METHOD, {table, count});
+    Answer getInto(const VARIANT& table, const VARIANT& rows) {
+        return invoke(*control.get(), getEditable, DISPATCH_METHOD, {table, rows});
     }
 
     static std::u16string cell(std::int32_t row, std::int32_t column) {

@@ -242,7 +242,7 @@ TEST_P(EngineLog, HoldsWhatTheCommandLineWrites) {
     EXPECT_THAT(contentOf(run.expectedFile()), HasSubstr(result.output + "LoadScript_FromFile: "));
 }
 
-INSTANTIATE_TEST_SUITE_P(Scripts, EngineLog, ValuesIn(allRuns()), [](const auto& info) { return nameOf(info.param); });
+INSTANTIATE_TEST_SUITE_P(Scripts, EngineLog, ValuesIn(allRuns()), [](const auto& run) { return nameOf(run.param); });
 
 struct BoundRun {
     Binding binding;
@@ -266,7 +266,7 @@ TEST_P(AutomationLog, IsThatOfTheEngine) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, AutomationLog, ValuesIn(boundRuns()),
-                         [](const auto& info) { return info.param.binding.name + "_" + nameOf(info.param.run); });
+                         [](const auto& bound) { return bound.param.binding.name + "_" + nameOf(bound.param.run); });
 
 TEST(Logs, LeaveNoDialogToAnswersThatTheComponentDoesNotSee) {
     for (const HostedRun& run : allRuns()) EXPECT_FALSE(answersOf(run).dialogs) << run.name;

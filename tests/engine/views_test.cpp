@@ -178,10 +178,10 @@ TEST_F(DiagnosticViews, ChangeNothingOfTheEngine) {
     run(u"VAR X = 1\nIncrement(X)\nGoto(End)\nEnd:");
     testing::RecordingListener listener;
     engine.setListener(&listener);
-    const std::int32_t items = engine.DataMemory().Count();
+    const std::int32_t itemCount = engine.DataMemory().Count();
     display();
     EXPECT_TRUE(listener.lines.empty());
-    EXPECT_EQ(engine.DataMemory().Count(), items);
+    EXPECT_EQ(engine.DataMemory().Count(), itemCount);
     EXPECT_EQ(current(u"X"), "s2");
     EXPECT_EQ(engine.programCounter(), 2);
 }

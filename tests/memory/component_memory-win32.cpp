@@ -178,7 +178,7 @@ struct ComponentMemory::Watch {
 
 ComponentMemory::ComponentMemory() {
     static const Surroundings surroundings;
-    watch_ = std::make_unique<Watch>();
+    watch_ = std::make_unique<Watch>();  // cppcheck-suppress useInitializationList ; the surroundings come first
 }
 ComponentMemory::~ComponentMemory() = default;
 

@@ -404,7 +404,7 @@ TEST_P(MemoryRunsOut, InAListing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, MemoryRunsOut, ::testing::ValuesIn(allCases()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& parameter) { return parameter.param.name; });
 
 }  // namespace
 }  // namespace corvane

@@ -1,11 +1,19 @@
 #include "tests/ui/automation_stand_in-win32.h"
 
+#include <utility>
+
 #include "platform/utf8.h"
 
 namespace corvane::testing {
 namespace {
 
 std::string narrow(std::wstring_view text) { return toUtf8(std::u16string(text.begin(), text.end())); }
+
+// The first of so many identifiers of members, which no other stand-in has.
+DISPID takeIds(std::size_t count) {
+    static DISPID next = 1;
+    return std::exchange(next, next + static_cast<DISPID>(count));
+}
 
 }  // namespace
 
@@ -22,10 +30,10 @@ std::string show(const VARIANT& value) {
 }
 
 StandIn::StandIn(Happenings& happenings, std::string name, std::vector<const wchar_t*> members)
-    : happenings_(happenings), name_(std::move(name)), members_(std::move(members)) {
-    static DISPID nextId = 1;
-    firstId_ = nextId;
-    nextId += static_cast<DISPID>(members_.size());
+    : happenings_(happenings),
+      name_(std::move(name)),
+      members_(std::move(members)),
+      firstId_(takeIds(members_.size())) {
     ++happenings_.objects;
 }
 

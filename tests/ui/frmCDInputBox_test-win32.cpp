@@ -335,11 +335,11 @@ HWND toolTipOf(const OpenBox& box) {
         HWND found;
     } search{box.window(), nullptr};
     const auto step = [](HWND window, LPARAM argument) CALLBACK -> BOOL {
-        auto& search = *reinterpret_cast<Search*>(argument);
+        auto& current = *reinterpret_cast<Search*>(argument);
         wchar_t name[32];
         GetClassNameW(window, name, 32);
-        if (std::wstring_view(name) == TOOLTIPS_CLASSW && GetWindow(window, GW_OWNER) == search.owner)
-            search.found = window;
+        if (std::wstring_view(name) == TOOLTIPS_CLASSW && GetWindow(window, GW_OWNER) == current.owner)
+            current.found = window;
         return TRUE;
     };
     EnumThreadWindows(GetCurrentThreadId(), step, reinterpret_cast<LPARAM>(&search));
@@ -554,8 +554,8 @@ TEST(InputBoxWindow, NamesItsButtons) {
 
 // The labels that say that their text has changed.
 std::vector<HWND>& announced() {
-    static std::vector<HWND> labels;
-    return labels;
+    static std::vector<HWND> windows;
+    return windows;
 }
 
 void CALLBACK noteAnnouncement(HWINEVENTHOOK, DWORD, HWND window, LONG, LONG, DWORD, DWORD) {
