@@ -30,9 +30,8 @@ public:
     template <typename... Arguments>
     Element& emplaceBack(Arguments&&... arguments) {
         if (size_ == blocks_.size() * BlockSize) blocks_.push_back(std::make_unique_for_overwrite<Block>());
-        Element* element = std::construct_at(slot(size_), std::forward<Arguments>(arguments)...);
-        ++size_;
-        return *element;
+        std::construct_at(slot(size_), std::forward<Arguments>(arguments)...);
+        return *slot(size_++);
     }
 
 private:

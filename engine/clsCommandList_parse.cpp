@@ -131,7 +131,7 @@ bool clsCommandList::load(std::u16string_view text, Check* check) {
         clsCommandList& engine;
         LoadGuard(clsCommandList& list, Check* check) : engine(list) {
             engine.loading_ = true;
-            engine.check_ = check;
+            engine.check_ = check;  // cppcheck-suppress danglingLifetime ; the guard takes it back
         }
         ~LoadGuard() {
             engine.loading_ = false;

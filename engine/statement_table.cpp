@@ -192,7 +192,7 @@ extern constexpr std::array<StatementRow, statementKindCount> statementTable = {
 }};
 // clang-format on
 
-extern constexpr std::array<Execution, statementKindCount> executionTable = [] {
+extern constexpr std::array<Execution, statementKindCount> executionTable = []() {
     std::array<Execution, statementKindCount> executions;
     for (std::size_t i = 0; i < executions.size(); ++i) executions[i] = statementTable[i].execution;
     return executions;
