@@ -41,6 +41,26 @@ std::string lookUpValue(const clsDataList& list, std::u16string_view name, std::
 
 // Items
 
+TEST(MemoryItem, EqualsOnlyTheSameItemOfTheSameList) {
+    clsDataList list;
+    clsDataList other;
+    const clsData first = list.AddItem();
+    const clsData second = list.AddItem();
+    EXPECT_TRUE(first == list.Item(0));
+    EXPECT_FALSE(first == second);
+    EXPECT_FALSE(first == other.AddItem());
+}
+
+TEST(MemoryItem, TakesASingleWhateverItHeldBefore) {
+    clsDataList list;
+    const clsData item = list.AddItem();
+    for (const Value& before : {Value::ofInteger(3), Value::ofText(u"text"), Value::ofSingle(4)}) {
+        item.setCurrentValue(before);
+        item.setCurrentSingle(2.5F);
+        EXPECT_EQ(show(item.CurrentValue()), "s2.5") << show(before);
+    }
+}
+
 TEST(MemoryItem, ReadsItsDefaultsUntilSet) {
     clsDataList list;
     const clsData item = list.AddItem();
@@ -401,6 +421,16 @@ TEST(FindItem, FollowsChangesOfNameAndType) {
     first.setIdentifier(u"");
     EXPECT_EQ(lookUp(list, u"y"), "none, 2");
     EXPECT_EQ(lookUp(list, u""), "0");
+}
+
+TEST(FindItem, SeesALiteralThatWasAddedBehindAChangeOfName) {
+    clsDataList list;
+    clsData item = list.AddItem(u"x", ptNumber, Value());
+    item.setIdentifier(u"y");
+    list.AddLiteral(Value::ofSingle(1));
+    EXPECT_EQ(lookUp(list, u""), "1");
+    EXPECT_EQ(lookUp(list, u"y"), "0");
+    EXPECT_EQ(lookUp(list, u"x"), "none, 2");
 }
 
 TEST(FindItem, FindsItemsOfUnusualTypes) {
