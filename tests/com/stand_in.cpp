@@ -198,11 +198,13 @@ HRESULT WINAPI SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound)
     return S_OK;
 }
 
-/// For arrays of strings.
+/// For arrays of strings and of variants.
 HRESULT WINAPI SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* element) {
     void* cell = nullptr;
     const HRESULT result = cellOf(array, indices, &cell);
     if (FAILED(result)) return result;
+    if ((array->fFeatures & FADF_VARIANT) != 0)
+        return VariantCopy(static_cast<VARIANT*>(element), static_cast<VARIANT*>(cell));
     if ((array->fFeatures & FADF_BSTR) == 0) return E_NOTIMPL;
     const BSTR text = *static_cast<BSTR*>(cell);
     BSTR& copy = *static_cast<BSTR*>(element);

@@ -301,7 +301,7 @@ HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* target, const VARIANTARG* source,
     const HRESULT copied = VariantCopyInd(direct.get(), const_cast<VARIANTARG*>(source));
     if (FAILED(copied)) return copied == E_OUTOFMEMORY ? copied : DISP_E_TYPEMISMATCH;
     const std::optional<Value> value = valueOf(*direct.get());
-    if (!value) return DISP_E_TYPEMISMATCH;
+    if (!value) return V_VT(direct.get()) > VT_UINT ? DISP_E_BADVARTYPE : DISP_E_TYPEMISMATCH;
     try {
         OwnedVariant converted;
         const bool isEmptyText = type == VT_BSTR && V_VT(direct.get()) == VT_EMPTY;
