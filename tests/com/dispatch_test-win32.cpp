@@ -18,7 +18,7 @@ protected:
     void TearDown() override { EXPECT_EQ(canUnloadNow(), S_OK); }
 };
 
-TEST_F(PlatformDispatch, TellsClassAndEventsOfCreatableObjects) {
+TEST_F(PlatformDispatch, TellsTheClassOfCreatableObjects) {
     for (const PublishedObject& published : publishedObjects()) {
         const auto information = queryFor<IProvideClassInfo2>(published.object.get(), IID_IProvideClassInfo2);
         EXPECT_EQ(static_cast<bool>(queryFor<IProvideClassInfo>(published.object.get(), IID_IProvideClassInfo)),
@@ -33,13 +33,6 @@ TEST_F(PlatformDispatch, TellsClassAndEventsOfCreatableObjects) {
         BSTR name = nullptr;
         ASSERT_EQ(described->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);
         EXPECT_EQ(u"_" + taken(name), fromUtf8(published.interfaceName));
-        const bool hasEvents = published.interfaceName == "_clsScriptControl";
-        GUID events = CLSID_clsScriptControl;
-        EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &events), hasEvents ? S_OK : E_INVALIDARG);
-        EXPECT_TRUE(IsEqualGUID(events, hasEvents ? DIID___clsScriptControl : GUID_NULL));
-        EXPECT_EQ(information->GetGUID(2, &events), E_INVALIDARG);
-        EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, nullptr), E_POINTER);
-        EXPECT_EQ(information->GetClassInfo(nullptr), E_POINTER);
     }
 }
 

@@ -27,6 +27,7 @@ constexpr DISPID stringValue = 0x68030001;
 constexpr DISPID booleanValue = 0x68030000;
 constexpr DISPID collectionAdd = 1;
 constexpr DISPID collectionCount = 2;
+constexpr DISPID collectionRemove = 3;
 
 std::u16string wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
 
@@ -138,6 +139,7 @@ TEST_F(Dispatch, SaysWhichNamesItDoesNotKnow) {
              Row{{u"ScriptFiles"}, {DISPID_UNKNOWN}},
              Row{{u""}, {DISPID_UNKNOWN}},
              Row{{u"QueryInterface"}, {DISPID_UNKNOWN}},
+             Row{{u"Script File"}, {DISPID_UNKNOWN}},
              Row{{u"nothing", u"tUID"}, {DISPID_UNKNOWN, DISPID_UNKNOWN}},
              Row{{u"LoadScript_FromScript", u"tUID", u"tNothing", u"tVersion"}, {loadScript, 2, DISPID_UNKNOWN, 3}},
          }) {
@@ -149,6 +151,18 @@ TEST_F(Dispatch, SaysWhichNamesItDoesNotKnow) {
     OLECHAR* nothing = nullptr;
     EXPECT_EQ(control->GetIDsOfNames(IID_NULL, &nothing, 1, LOCALE_USER_DEFAULT, &id), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(id, DISPID_UNKNOWN);
+
+    std::u16string member(u"LoadScript_FromScript");
+    OLECHAR* names[] = {reinterpret_cast<OLECHAR*>(member.data()), nullptr};
+    DISPID ids[] = {77, 77};
+    EXPECT_EQ(control->GetIDsOfNames(IID_NULL, names, 2, LOCALE_USER_DEFAULT, ids), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(ids[0], loadScript);
+    EXPECT_EQ(ids[1], DISPID_UNKNOWN);
+}
+
+TEST_F(Dispatch, HasNothingToSayToNoNames) {
+    const ComReference<_clsScriptControl> control = newControl();
+    EXPECT_EQ(control->GetIDsOfNames(IID_NULL, nullptr, 0, LOCALE_USER_DEFAULT, nullptr), S_OK);
 }
 
 TEST_F(Dispatch, HandsOutItsDescription) {
@@ -165,6 +179,21 @@ TEST_F(Dispatch, HandsOutItsDescription) {
         auto* other = reinterpret_cast<ITypeInfo*>(1);
         EXPECT_EQ(published.object->GetTypeInfo(1, LOCALE_USER_DEFAULT, &other), DISP_E_BADINDEX);
         EXPECT_EQ(other, nullptr);
+    }
+}
+
+TEST_F(Dispatch, TellsTheEventsOfTheClassThatHasSome) {
+    for (const PublishedObject& published : publishedObjects()) {
+        const auto information = queryFor<IProvideClassInfo2>(published.object.get(), IID_IProvideClassInfo2);
+        EXPECT_EQ(static_cast<bool>(information), published.interfaceName != "_Collection");
+        if (!information) continue;
+        const bool hasEvents = published.interfaceName == "_clsScriptControl";
+        GUID events = CLSID_clsScriptControl;
+        EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &events), hasEvents ? S_OK : E_INVALIDARG);
+        EXPECT_TRUE(IsEqualGUID(events, hasEvents ? DIID___clsScriptControl : GUID_NULL));
+        EXPECT_EQ(information->GetGUID(2, &events), E_INVALIDARG);
+        EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, nullptr), E_POINTER);
+        EXPECT_EQ(information->GetClassInfo(nullptr), E_POINTER);
     }
 }
 
@@ -211,8 +240,29 @@ TEST_F(Dispatch, AnswersOnlyWhatIsAsked) {
     EXPECT_EQ(quietly({integer(0)}), S_OK);
     EXPECT_EQ(quietly({integer(10)}), DISP_E_EXCEPTION);
     EXPECT_EQ(quietly({text(u"x")}), DISP_E_TYPEMISMATCH);
+    const auto named = [&](WORD flags, DISPID name) {
+        Arguments arguments{integer(0), text(u"x")};
+        return list->Invoke(stringValue, IID_NULL, 0, flags, arguments.named({name}).parameters(), nullptr, nullptr,
+                            nullptr);
+    };
+    EXPECT_EQ(named(DISPATCH_PROPERTYPUT, DISPID_PROPERTYPUT), S_OK);
+    EXPECT_EQ(named(DISPATCH_PROPERTYPUT, 7), DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(list->Invoke(stringValue, IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                           Arguments{integer(0), text(u"x")}.parameters(), nullptr, nullptr, nullptr),
+              DISP_E_PARAMNOTFOUND);
     ComReference<IErrorInfo> leftBehind;
     EXPECT_EQ(GetErrorInfo(0, leftBehind.receive()), S_FALSE);
+}
+
+TEST_F(Dispatch, TellsTheErrorOfAMemberThatFails) {
+    const auto list = create<_clsScriptParamList>(CLSID_clsScriptParamList, IID__clsScriptParamList);
+    const Answer answer = invoke(*list.get(), stringValue, DISPATCH_PROPERTYGET, {integer(10)});
+    EXPECT_EQ(answer.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(answer.faultyArgument, Answer::untouched);
+    EXPECT_EQ(answer.type, VT_EMPTY);
+    EXPECT_EQ(answer.scode, static_cast<HRESULT>(0x800A0009));
+    EXPECT_EQ(answer.source, u"prjCorvaneScript.clsScriptParamList");
+    EXPECT_EQ(answer.description, u"Subscript out of range");
 }
 
 TEST_F(Dispatch, RefusesOtherReservedIdentifiers) {
@@ -271,11 +321,14 @@ struct Refused {
 
 std::vector<Refused> refusedBy(const PublishedParameter& parameter) {
     static VARIANT nested = reference(VT_VARIANT, &nested);
+    VARIANT error = ofType(VT_ERROR);
+    V_ERROR(&error) = E_FAIL;
     std::vector<Refused> refused{{reference(VT_I4, nullptr), DISP_E_TYPEMISMATCH},
                                  {reference(VT_VARIANT, nullptr), DISP_E_TYPEMISMATCH},
                                  {reference(nested), DISP_E_TYPEMISMATCH}};
     if (!parameter.optional) refused.push_back({leftOut(), DISP_E_PARAMNOTOPTIONAL});
     if (parameter.type == "variant") return refused;
+    refused.push_back({error, DISP_E_TYPEMISMATCH});
     refused.push_back({ofType(VT_NULL), DISP_E_TYPEMISMATCH});
     if (parameter.type == "string()" || parameter.type == "_Collection") {
         refused.push_back({text(u"text"), DISP_E_TYPEMISMATCH});
@@ -492,6 +545,9 @@ TEST_F(Dispatch, LetsOptionalArgumentsBeLeftOut) {
     VARIANT omitted = leftOut();
     EXPECT_EQ(add({integer(6), reference(omitted), text(u"two"), reference(omitted)}), S_OK);
     EXPECT_EQ(contentOf(*collection.get()), (std::vector<LONG>{3, 4, 1, 6, 2, 5}));
+    EXPECT_EQ(add({integer(8), emptyVariant(), emptyVariant(), emptyVariant()}), S_OK);
+    EXPECT_EQ(contentOf(*collection.get()), (std::vector<LONG>{3, 4, 1, 6, 2, 5, 8}));
+    EXPECT_EQ(invoke(*collection.get(), collectionRemove, DISPATCH_METHOD, {integer(7)}).result, S_OK);
 
     // Named: After and the item; the names stand beside the last arguments.
     Arguments named{integer(1), integer(7)};
