@@ -214,6 +214,10 @@ TEST_F(ByReference, AVariableThatIsTooSmallIsAnOverflow) {
     EXPECT_EQ(answer.result, DISP_E_OVERFLOW);
     EXPECT_EQ(answer.faultyArgument, 0U);
     EXPECT_EQ(tiny, 1);
+    Arguments quietly{reference(table), reference(VT_UI1, &tiny)};
+    EXPECT_EQ(
+        control->Invoke(getEditable, IID_NULL, 0, DISPATCH_METHOD, quietly.parameters(), nullptr, nullptr, nullptr),
+        DISP_E_OVERFLOW);
     VariantClear(&table);
 }
 

@@ -268,7 +268,9 @@ TEST_F(Collection, AnIndexIsANumberOrAText) {
     const auto collection = emptyCollection();
     EXPECT_EQ(addText(*collection.get(), u"one"), S_OK);
     Sink object;
-    for (const VARTYPE type : {VT_EMPTY, VT_NULL, VT_ERROR, VT_DISPATCH, VT_UNKNOWN}) {
+    constexpr VARTYPE unknownType = 77;
+    for (const VARTYPE type :
+         std::initializer_list<VARTYPE>{VT_EMPTY, VT_NULL, VT_ERROR, VT_DISPATCH, VT_UNKNOWN, unknownType}) {
         HostVariant index;
         V_VT(index.get()) = type;
         V_DISPATCH(index.get()) = nullptr;

@@ -139,7 +139,7 @@ TEST_F(Dispatch, SaysWhichNamesItDoesNotKnow) {
              Row{{u"ScriptFiles"}, {DISPID_UNKNOWN}},
              Row{{u""}, {DISPID_UNKNOWN}},
              Row{{u"QueryInterface"}, {DISPID_UNKNOWN}},
-             Row{{u"Script File"}, {DISPID_UNKNOWN}},
+             Row{{u"ScriptFil1"}, {DISPID_UNKNOWN}},
              Row{{u"nothing", u"tUID"}, {DISPID_UNKNOWN, DISPID_UNKNOWN}},
              Row{{u"LoadScript_FromScript", u"tUID", u"tNothing", u"tVersion"}, {loadScript, 2, DISPID_UNKNOWN, 3}},
          }) {
