@@ -8,6 +8,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -325,9 +326,9 @@ HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* target, const VARIANTARG* source,
     OwnedVariant direct;
     const HRESULT copied = VariantCopyInd(direct.get(), const_cast<VARIANTARG*>(source));
     if (FAILED(copied)) return copied == E_OUTOFMEMORY ? copied : DISP_E_TYPEMISMATCH;
-    const std::optional<Value> value = valueOf(*direct.get());
-    if (!value) return V_VT(direct.get()) > VT_UINT ? DISP_E_BADVARTYPE : DISP_E_TYPEMISMATCH;
     try {
+        const std::optional<Value> value = valueOf(*direct.get());
+        if (!value) return V_VT(direct.get()) > VT_UINT ? DISP_E_BADVARTYPE : DISP_E_TYPEMISMATCH;
         OwnedVariant converted;
         const bool isEmptyText = type == VT_BSTR && V_VT(direct.get()) == VT_EMPTY;
         if (!store(*converted.get(), isEmptyText ? Value::ofText(Text()) : *value, type)) return DISP_E_BADVARTYPE;
@@ -336,7 +337,13 @@ HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* target, const VARIANTARG* source,
         converted.moveTo(*target);
         return S_OK;
     } catch (const automation_error& error) {
-        return error.number() == ErrorNumber::Overflow ? DISP_E_OVERFLOW : DISP_E_TYPEMISMATCH;
+        switch (error.number()) {
+            case ErrorNumber::Overflow: return DISP_E_OVERFLOW;
+            case ErrorNumber::OutOfMemory: return E_OUTOFMEMORY;
+            default: return DISP_E_TYPEMISMATCH;
+        }
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
     }
 }
 
