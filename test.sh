@@ -3,8 +3,8 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint fuzz same-build; without
-# names, all but the last two, which --long adds. A failed step does not keep the others from running. --long sets
+# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint fuzz coverage same-build;
+# without names, all but the last three, which --long adds. A failed step does not keep the others from running. --long sets
 # CORVANE_LONG=1, which every test program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
@@ -14,7 +14,7 @@ steps=()
 for argument in "$@"; do
     case $argument in
         --long) export CORVANE_LONG=1 ;;
-        format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | fuzz | lint | same-build)
+        format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | fuzz | lint | coverage | same-build)
             steps+=("$argument")
             ;;
         *)
@@ -25,7 +25,7 @@ for argument in "$@"; do
 done
 if [ ${#steps[@]} = 0 ]; then
     steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint)
-    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz same-build); fi
+    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz coverage same-build); fi
 fi
 
 logs=build/test-logs
@@ -143,6 +143,7 @@ for step in "${steps[@]}"; do
             check 'lint' lint
             check 'cppcheck' tools/cppcheck
             ;;
+        coverage) check 'coverage' tools/coverage ;;
         same-build) check 'same-build' tools/same-build ;;
         native-release) buildAndTest native-release test_limits ;;
         *) buildAndTest "$step" ;;

@@ -10,7 +10,7 @@
 set -euo pipefail
 
 native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
-tests='libwine-dev locales mingw-w64-tools python3 valgrind'
+tests='gcovr libwine-dev locales mingw-w64-tools python3 valgrind'
 windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-mingw-w64-i686-posix
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools python3 wine64 xdotool xvfb'
 checks='clang-format clang-tidy cppcheck git python3 shellcheck'

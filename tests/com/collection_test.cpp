@@ -268,7 +268,9 @@ TEST_F(Collection, AnIndexIsANumberOrAText) {
     const auto collection = emptyCollection();
     EXPECT_EQ(addText(*collection.get(), u"one"), S_OK);
     Sink object;
-    for (const VARTYPE type : {VT_EMPTY, VT_NULL, VT_ERROR, VT_DISPATCH, VT_UNKNOWN}) {
+    constexpr VARTYPE unknownType = 77;
+    for (const VARTYPE type :
+         std::initializer_list<VARTYPE>{VT_EMPTY, VT_NULL, VT_ERROR, VT_DISPATCH, VT_UNKNOWN, unknownType}) {
         HostVariant index;
         V_VT(index.get()) = type;
         V_DISPATCH(index.get()) = nullptr;
@@ -345,6 +347,15 @@ TEST_F(Collection, ARefusedAddLeavesItAsItWas) {
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, none, *zero), automationError(9));
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, *otherKey), automationError(5));
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, *number, *number), automationError(5));
+    VARIANT nowhere;
+    V_VT(&nowhere) = VT_BYREF | VT_VARIANT;
+    V_VARIANTREF(&nowhere) = nullptr;
+    EXPECT_EQ(collection->Add(nowhere, none, none, none), automationError(13));
+    EXPECT_EQ(addText(*collection.get(), u"X", none, nowhere), automationError(13));
+    VARIANT otherError = none;
+    V_ERROR(&otherError) = E_FAIL;
+    EXPECT_EQ(addText(*collection.get(), u"X", otherError), automationError(13)) << "a key, and none that is left out";
+    EXPECT_EQ(addText(*collection.get(), u"X", none, *HostVariant(u"no key")), automationError(5));
     EXPECT_EQ(itemsOf(*collection.get()), "A B");
     EXPECT_EQ(itemAt(*collection.get(), u"other"), "error 5");
     EXPECT_EQ(addText(*collection.get(), u"C", *otherKey), S_OK) << "the key was not taken by a refused one";

@@ -525,6 +525,22 @@ TEST_F(Events, AnEventInsideAnotherOfItsKindHasArgumentsOfItsOwn) {
     }
 }
 
+TEST_F(Events, AReferenceThatASinkTurnsElsewhereIsTheComponentsAgainForTheNext) {
+    Delivery delivery(eventRow(HostEvent::Park));
+    VARIANT_BOOL elsewhere = VARIANT_TRUE;
+    const void* given = nullptr;
+    delivery.to([&](DISPID, DISPPARAMS& arguments) {
+        given = V_BYREF(&arguments.rgvarg[0]);
+        V_BOOLREF(&arguments.rgvarg[0]) = &elsewhere;
+        return S_OK;
+    });
+    expectUnanswered(delivery);
+    delivery.to([&](DISPID, DISPPARAMS& arguments) {
+        EXPECT_EQ(V_BYREF(&arguments.rgvarg[0]), given);
+        return S_OK;
+    });
+}
+
 TEST_F(Events, WhatASinkPutsInThePlaceOfAnArgumentIsReleasedOnce) {
     for (const EventRow& row : eventTable) {
         for (const HRESULT result : {S_OK, E_FAIL}) {

@@ -475,6 +475,37 @@ TEST_F(Objects, MemoryIsReadByNameAndKind) {
     }
 }
 
+// A script declares singles and texts; the memory takes any value.
+TEST_F(Objects, MemoryIsReadInTheTypeThatItHolds) {
+    const auto control = newControl();
+    ASSERT_TRUE(load(*control.get(), u"VAR V"));
+    clsData item = facadeOf(*control.get()).engine().DataMemory().Item(1);
+    HostText name(u"V");
+    struct Row {
+        Value value;
+        VARTYPE type;
+    };
+    for (const Row& row : {Row{Value::ofInteger(-7), VT_I2}, Row{Value::ofLong(-7), VT_I4},
+                           Row{Value::ofSingle(-7), VT_R4}, Row{Value::ofDouble(-7), VT_R8}}) {
+        item.setInitialValue(row.value);
+        OwnedVariant held;
+        EXPECT_EQ(control->GetMemoryValue(name.address(), held.get()), S_OK);
+        EXPECT_EQ(V_VT(held.get()), row.type);
+        OwnedVariant number;
+        EXPECT_EQ(VariantChangeType(number.get(), held.get(), 0, VT_I4), S_OK);
+        EXPECT_EQ(V_I4(number.get()), -7);
+    }
+    item.setInitialValue(Value::ofBoolean(true));
+    OwnedVariant truth;
+    EXPECT_EQ(control->GetMemoryValue(name.address(), truth.get()), S_OK);
+    EXPECT_EQ(V_VT(truth.get()), VT_BOOL);
+    EXPECT_EQ(V_BOOL(truth.get()), VARIANT_TRUE);
+    item.setInitialValue(Value::ofObject(*makeReference<clsDataSetParameters>()));
+    OwnedVariant none;
+    expectError(control->GetMemoryValue(name.address(), none.get()), 13, "clsScriptControl", IID__clsScriptControl,
+                "Type mismatch");
+}
+
 TEST_F(Objects, KindsHaveNames) {
     const auto control = newControl();
     struct Row {
@@ -661,6 +692,17 @@ TEST_F(Editable, ALockedArrayStays) {
     EXPECT_EQ(array, before);
     EXPECT_EQ(count, 77);
     EXPECT_EQ(SafeArrayUnlock(array), S_OK);
+}
+
+TEST_F(Editable, AnArrayOfFixedSizeStays) {
+    makeItemsEditable(*control.get());
+    SAFEARRAYBOUND bounds[] = {{3, 1}};
+    SAFEARRAY* const before = array = SafeArrayCreate(VT_BSTR, 1, bounds);
+    array->fFeatures |= FADF_FIXEDSIZE;
+    expectError(control->GetEditable(&array, &count), 10, "clsScriptControl", IID__clsScriptControl,
+                "This array is fixed or temporarily locked");
+    EXPECT_EQ(array, before);
+    array->fFeatures &= static_cast<USHORT>(~FADF_FIXEDSIZE);
 }
 
 // ------------------------------------------------------------------------------------------------------- the records

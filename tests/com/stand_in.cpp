@@ -160,6 +160,16 @@ SAFEARRAY* WINAPI SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND*
     return nullptr;
 }
 
+SAFEARRAY* WINAPI SafeArrayCreateVector(VARTYPE type, LONG first, ULONG count) {
+    SAFEARRAYBOUND bound{count, first};
+    return SafeArrayCreate(type, 1, &bound);
+}
+
+HRESULT WINAPI SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
+    *type = (array->fFeatures & FADF_BSTR) != 0 ? VT_BSTR : (array->fFeatures & FADF_VARIANT) != 0 ? VT_VARIANT : VT_I4;
+    return S_OK;
+}
+
 HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
     if (array == nullptr) return S_OK;
     if (array->cLocks != 0) return DISP_E_ARRAYISLOCKED;
@@ -198,16 +208,28 @@ HRESULT WINAPI SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound)
     return S_OK;
 }
 
-/// For arrays of strings.
+/// For arrays of strings and of variants.
 HRESULT WINAPI SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* element) {
     void* cell = nullptr;
     const HRESULT result = cellOf(array, indices, &cell);
     if (FAILED(result)) return result;
+    if ((array->fFeatures & FADF_VARIANT) != 0)
+        return VariantCopy(static_cast<VARIANT*>(element), static_cast<VARIANT*>(cell));
     if ((array->fFeatures & FADF_BSTR) == 0) return E_NOTIMPL;
     const BSTR text = *static_cast<BSTR*>(cell);
     BSTR& copy = *static_cast<BSTR*>(element);
     copy = text == nullptr ? nullptr : SysAllocStringLen(text, SysStringLen(text));
     return text != nullptr && copy == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+/// For arrays of strings.
+HRESULT WINAPI SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* element) {
+    void* cell = nullptr;
+    const HRESULT result = cellOf(array, indices, &cell);
+    if (FAILED(result)) return result;
+    if ((array->fFeatures & FADF_BSTR) == 0) return E_NOTIMPL;
+    const auto text = static_cast<BSTR>(element);
+    return SysReAllocStringLen(static_cast<BSTR*>(cell), text, SysStringLen(text)) ? S_OK : E_OUTOFMEMORY;
 }
 
 // ---------------------------------------------------------------------------------------------------------- variants
@@ -268,12 +290,26 @@ HRESULT WINAPI VariantCopyInd(VARIANT* target, const VARIANTARG* source) {
     VariantInit(&direct);
     V_VT(&direct) = type;
     switch (type) {
+        case VT_I1:
+        case VT_UI1: V_UI1(&direct) = *V_UI1REF(source); break;
         case VT_I2:
+        case VT_UI2:
         case VT_BOOL: V_I2(&direct) = *V_I2REF(source); break;
         case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
         case VT_R4:
         case VT_ERROR: V_I4(&direct) = *V_I4REF(source); break;
-        case VT_R8: V_R8(&direct) = *V_R8REF(source); break;
+        case VT_I8:
+        case VT_UI8:
+        case VT_CY:
+        case VT_DATE:
+        case VT_R8: V_I8(&direct) = *V_I8REF(source); break;
+        case VT_DECIMAL:
+            V_DECIMAL(&direct) = *V_DECIMALREF(source);
+            V_VT(&direct) = type;
+            break;
         case VT_BSTR: V_BSTR(&direct) = *V_BSTRREF(source); break;
         case VT_DISPATCH:
         case VT_UNKNOWN: V_UNKNOWN(&direct) = *V_UNKNOWNREF(source); break;

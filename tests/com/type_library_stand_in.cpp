@@ -8,7 +8,9 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
+#include <utility>
 
 #include "host/com/com_variant.h"
 #include "host/com/type_library.h"
@@ -235,6 +237,20 @@ HRESULT InterfaceInformation::GetRefTypeInfo(HREFTYPE reference, ITypeInfo** inf
 
 // --------------------------------------------------------------------------------------------------------- conversions
 
+constexpr int currencyUnits = 10000;
+
+// Decimals are whole numbers of 32 bits here.
+double wholeNumberOf(const DECIMAL& decimal) {
+    return decimal.sign == 0 ? decimal.Lo64 : -static_cast<double>(decimal.Lo64);
+}
+
+DECIMAL decimalOf(std::int32_t number) {
+    DECIMAL decimal{};
+    decimal.sign = number < 0 ? DECIMAL_NEG : 0;
+    decimal.Lo64 = static_cast<ULONGLONG>(std::abs(std::int64_t{number}));
+    return decimal;
+}
+
 /// The number or text of a variant that refers to nothing.
 std::optional<Value> valueOf(const VARIANT& variant) {
     switch (V_VT(&variant)) {
@@ -248,7 +264,11 @@ std::optional<Value> valueOf(const VARIANT& variant) {
         case VT_UINT:
         case VT_UI4: return Value::ofDouble(V_UI4(&variant));
         case VT_I8: return Value::ofDouble(static_cast<double>(V_I8(&variant)));
+        case VT_UI8: return Value::ofDouble(static_cast<double>(V_UI8(&variant)));
+        case VT_CY: return Value::ofDouble(static_cast<double>(V_CY(&variant).int64) / currencyUnits);
+        case VT_DECIMAL: return Value::ofDouble(wholeNumberOf(V_DECIMAL(&variant)));
         case VT_R4: return Value::ofSingle(V_R4(&variant));
+        case VT_DATE:
         case VT_R8: return Value::ofDouble(V_R8(&variant));
         case VT_BOOL: return Value::ofBoolean(V_BOOL(&variant) != 0);
         case VT_BSTR: return Value::ofText(viewOf(V_BSTR(&variant)));
@@ -258,8 +278,7 @@ std::optional<Value> valueOf(const VARIANT& variant) {
 
 template <typename Number>
 Number narrowed(std::int32_t number) {
-    if (number < std::numeric_limits<Number>::min() || number > std::numeric_limits<Number>::max())
-        throw automation_error(ErrorNumber::Overflow);
+    if (!std::in_range<Number>(number)) throw automation_error(ErrorNumber::Overflow);
     return static_cast<Number>(number);
 }
 
@@ -273,7 +292,14 @@ bool store(VARIANT& target, const Value& value, VARTYPE type) {
         case VT_UI2: V_UI2(&target) = narrowed<WORD>(portable::toLong(value, locale)); break;
         case VT_INT:
         case VT_I4: V_I4(&target) = portable::toLong(value, locale); break;
+        case VT_UINT:
+        case VT_UI4: V_UI4(&target) = narrowed<ULONG>(portable::toLong(value, locale)); break;
+        case VT_I8: V_I8(&target) = portable::toLong(value, locale); break;
+        case VT_UI8: V_UI8(&target) = narrowed<ULONG>(portable::toLong(value, locale)); break;
+        case VT_CY: V_CY(&target).int64 = std::int64_t{portable::toLong(value, locale)} * currencyUnits; break;
+        case VT_DECIMAL: V_DECIMAL(&target) = decimalOf(portable::toLong(value, locale)); break;
         case VT_R4: V_R4(&target) = portable::toSingle(value, locale); break;
+        case VT_DATE:
         case VT_R8: {
             const Value wide = portable::add(value, Value::ofDouble(0), locale);
             V_R8(&target) = wide.doubleFloat();
@@ -300,9 +326,9 @@ HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* target, const VARIANTARG* source,
     OwnedVariant direct;
     const HRESULT copied = VariantCopyInd(direct.get(), const_cast<VARIANTARG*>(source));
     if (FAILED(copied)) return copied == E_OUTOFMEMORY ? copied : DISP_E_TYPEMISMATCH;
-    const std::optional<Value> value = valueOf(*direct.get());
-    if (!value) return DISP_E_TYPEMISMATCH;
     try {
+        const std::optional<Value> value = valueOf(*direct.get());
+        if (!value) return V_VT(direct.get()) > VT_UINT ? DISP_E_BADVARTYPE : DISP_E_TYPEMISMATCH;
         OwnedVariant converted;
         const bool isEmptyText = type == VT_BSTR && V_VT(direct.get()) == VT_EMPTY;
         if (!store(*converted.get(), isEmptyText ? Value::ofText(Text()) : *value, type)) return DISP_E_BADVARTYPE;
@@ -311,8 +337,19 @@ HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* target, const VARIANTARG* source,
         converted.moveTo(*target);
         return S_OK;
     } catch (const automation_error& error) {
-        return error.number() == ErrorNumber::Overflow ? DISP_E_OVERFLOW : DISP_E_TYPEMISMATCH;
+        switch (error.number()) {
+            case ErrorNumber::Overflow: return DISP_E_OVERFLOW;
+            case ErrorNumber::OutOfMemory: return E_OUTOFMEMORY;
+            default: return DISP_E_TYPEMISMATCH;
+        }
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
     }
+}
+
+HRESULT WINAPI VarR8FromDec(const DECIMAL* decimal, DOUBLE* number) {
+    *number = wholeNumberOf(*decimal);
+    return S_OK;
 }
 
 HRESULT WINAPI VariantChangeType(VARIANTARG* target, const VARIANTARG* source, USHORT flags, VARTYPE type) {

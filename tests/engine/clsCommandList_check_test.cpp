@@ -107,6 +107,17 @@ TEST_F(ScriptCheck, PointsAtADuplicateLabelsName) {
     EXPECT_EQ(initial(u"L"), "l0");
 }
 
+TEST_F(ScriptCheck, AFaultThatTheHostReportsInsideTheCheckStandsWithTheLineBeingRead) {
+    const std::u16string text = u"another text\n  VAR X = 1\nelsewhere";
+    const std::u16string_view whole = text;
+    const std::u16string_view places[] = {whole.substr(0, 7), whole.substr(19, 1), whole.substr(25), {}};
+    owner.onEvent = [&](Event&) {
+        for (const std::u16string_view place : places) engine.SyntaxError(u"not here", place);
+    };
+    EXPECT_EQ(check(whole.substr(13, 11)), Lines({"0:2: not here", "0:6: not here", "0:2: not here", "0:2: not here"}));
+    EXPECT_FALSE(accepted);
+}
+
 TEST_F(ScriptCheck, CountsLinesAsALoadDoes) {
     EXPECT_EQ(check(u"a\r\nb\rc\nd\n\re"), Lines({"0:0: Invalid input:\r\n\r\n'a'", "1:0: Invalid input:\r\n\r\n'b'",
                                                   "2:0: Invalid input:\r\n\r\n'c'", "3:0: Invalid input:\r\n\r\n'd'",

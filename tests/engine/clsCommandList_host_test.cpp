@@ -444,6 +444,13 @@ TEST_F(HostStatement, OnlySuccessIsReadBack) {
     EXPECT_EQ(current(u"T"), "s2");
 }
 
+TEST_F(HostStatement, AnArgumentWithoutAParameterIsError91AndRaisesNothing) {
+    SetFunctionDefinition(ctShakeBladeEx, u"ShakeBladeEx", 1, u"");  // its event takes three
+    EXPECT_EQ(errorOfRun(u"ShakeBladeEx(1)"), 91);
+    EXPECT_EQ(owner.lines, Lines());
+    BuildFunctionCatalogue();
+}
+
 TEST_F(HostStatement, AHostThatLeavesParkUnansweredEndsTheRunThere) {
     owner.onEvent = [](Event& event) { event.succeed(event.id() != HostEvent::Park); };
     EXPECT_TRUE(run(u"TareWeight()\nPark()\nEndTest()"));

@@ -146,6 +146,15 @@ TEST_F(RunLoop, RunsWithoutListenerAndTraceSink) {
     EXPECT_EQ(owner.lines, Lines({"Info(\"a\")", "Park()"}));
 }
 
+TEST_F(RunLoop, AListenerMayLeaveEverythingToItself) {
+    EngineListener nothing;
+    engine.setListener(&nothing);
+    failAt(HostEvent::Park);
+    EXPECT_TRUE(run(u"VAR X = 1\nIncrement(X)\nPark()\nInfo(\"not reached\")"));
+    EXPECT_EQ(current(u"X"), "s2");
+    EXPECT_EQ(owner.lines, Lines({"VariableAdded(\"X\", \"1\")", "Park()"}));
+}
+
 TEST_F(RunLoop, AsksTheHostAboutEachStatementFirst) {
     owner.recordFunctionCalled = true;
     EXPECT_EQ(eventsOfRun(u"Park()\nReturn"),
@@ -488,6 +497,18 @@ TEST_F(RunLoop, ExecuteCommandAnswersTheResultCodeAndTheTarget) {
     EXPECT_EQ(address, 77);
     EXPECT_FALSE(engine.isRunning());
     EXPECT_EQ(pump.yields, 0);
+}
+
+TEST_F(RunLoop, AStatementExecutedAloneMayBeABlockStartOrOfNoKindAtAll) {
+    ASSERT_TRUE(load(u"BlockStart(\"Preparation\")"));
+    engine.DataMemory().InitialiseData();
+    owner.recordFunctionCalled = true;
+    std::int32_t address = 77;
+    EXPECT_EQ(engine.ExecuteCommand(engine.Command(1), address), crNext);
+    EXPECT_EQ(owner.lines, Lines({"FunctionCalled(l19, bTrue)", "Info(\"Preparation\")"}));
+    const clsCommand unknown(engine);
+    EXPECT_EQ(errorOf([&] { engine.ExecuteCommand(unknown, address); }), 438);
+    EXPECT_EQ(address, 77);
 }
 
 TEST_F(RunLoop, AResultCodeThatNobodyKnowsIsReportedLikeAFailure) {

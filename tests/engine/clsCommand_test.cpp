@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/modCommand.h"
 #include "tests/support/engine_fixture.h"
 
 namespace corvane {
@@ -394,6 +395,13 @@ TEST_F(Binding, AnotherNumberOfParametersIsReportedWithTheKeyword) {
 TEST_F(Binding, ATestVariableTakesThreeParameters) {
     EXPECT_EQ(faultOf(u"AddTestVariable(\"Name\", 1, \"mm\")"), "");
     EXPECT_EQ(command->boundCount(), 3);
+}
+
+TEST_F(Binding, ACountBelowZeroThatSomebodyWroteToTheCatalogueFitsNoStatement) {
+    SetFunctionDefinition(60, u"Dance", -1, u"");
+    EXPECT_EQ(faultOf(u"Dance()"), "Dance requires -1 parameters");
+    EXPECT_EQ(faultOf(u"Dance(1)"), "Dance requires -1 parameters");
+    BuildFunctionCatalogue();
 }
 
 TEST_F(Binding, TheNumberOfParametersIsCheckedBeforeTheirTypes) {

@@ -9,8 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "engine/text_utilities.h"
 #include "host/clsDataSetParameters.h"
 #include "platform/text_case.h"
+#include "tests/allocation_counter.h"
+#include "tests/memory/every_request.h"
 #include "tests/support/engine_fixture.h"
 
 namespace corvane {
@@ -40,6 +43,26 @@ std::string lookUpValue(const clsDataList& list, std::u16string_view name, std::
 }
 
 // Items
+
+TEST(MemoryItem, EqualsOnlyTheSameItemOfTheSameList) {
+    clsDataList list;
+    clsDataList other;
+    const clsData first = list.AddItem();
+    const clsData second = list.AddItem();
+    EXPECT_TRUE(first == list.Item(0));
+    EXPECT_FALSE(first == second);
+    EXPECT_FALSE(first == other.AddItem());
+}
+
+TEST(MemoryItem, TakesASingleWhateverItHeldBefore) {
+    clsDataList list;
+    const clsData item = list.AddItem();
+    for (const Value& before : {Value::ofInteger(3), Value::ofText(u"text"), Value::ofSingle(4)}) {
+        item.setCurrentValue(before);
+        item.setCurrentSingle(2.5F);
+        EXPECT_EQ(show(item.CurrentValue()), "s2.5") << show(before);
+    }
+}
 
 TEST(MemoryItem, ReadsItsDefaultsUntilSet) {
     clsDataList list;
@@ -401,6 +424,45 @@ TEST(FindItem, FollowsChangesOfNameAndType) {
     first.setIdentifier(u"");
     EXPECT_EQ(lookUp(list, u"y"), "none, 2");
     EXPECT_EQ(lookUp(list, u""), "0");
+}
+
+TEST(FindItem, SeesALiteralThatWasAddedBehindAChangeOfName) {
+    clsDataList list;
+    clsData item = list.AddItem(u"x", ptNumber, Value());
+    item.setIdentifier(u"y");
+    list.AddLiteral(Value::ofSingle(1));
+    EXPECT_EQ(lookUp(list, u""), "1");
+    EXPECT_EQ(lookUp(list, u"y"), "0");
+    EXPECT_EQ(lookUp(list, u"x"), "none, 2");
+}
+
+// Whatever an addition had done when memory ran out, a lookup finds what the list holds and nothing else.
+TEST(FindItem, AgreesWithTheListAfterAnAdditionThatMemoryRefused) {
+    constexpr std::size_t requestsTried = 100;
+    constexpr std::int32_t additions = 200;
+    std::vector<std::u16string> names;
+    for (std::int32_t i = 0; i < additions; ++i) names.push_back(u"Variable" + decimal(i));
+    test::refuseEachRequest("additions", requestsTried, test::livingAllocations,
+                            [&](std::size_t nth, test::Refused refused) {
+                                clsDataList list;
+                                std::size_t requests = 0;
+                                {
+                                    const test::MemoryFault fault(nth, refused);
+                                    try {
+                                        for (const std::u16string& name : names)
+                                            list.AddItem(name, ptNumber, Value::ofSingle(1));
+                                    } catch (const std::bad_alloc&) {
+                                        EXPECT_TRUE(fault.isReached());
+                                    }
+                                    requests = fault.requests();
+                                }
+                                for (std::int32_t i = 0; i < additions; ++i) {
+                                    const std::string expected =
+                                        i < list.Count() ? std::to_string(i) : "none, " + std::to_string(list.Count());
+                                    EXPECT_EQ(lookUp(list, names[static_cast<std::size_t>(i)]), expected);
+                                }
+                                return requests;
+                            });
 }
 
 TEST(FindItem, FindsItemsOfUnusualTypes) {

@@ -108,6 +108,21 @@ TEST(NameIndex, HoldsManyNames) {
     EXPECT_EQ(index.find(u"Variable20000", 255), NameIndex::none);
 }
 
+TEST(NameIndex, TellsNamesWithEqualHashesApart) {
+    struct Pair {
+        std::u16string_view first;
+        std::u16string_view second;
+    };
+    for (const Pair& pair : {Pair{u"mpmbhjf", u"wiyrptm"}, Pair{u"lmoggrk", u"bwhqzkp"}}) {
+        NameIndex index;
+        index.insert(pair.first, 2, 0);
+        EXPECT_EQ(index.find(pair.second, 255), NameIndex::none);
+        index.insert(pair.second, 2, 1);
+        EXPECT_EQ(index.find(pair.first, 255), 0U);
+        EXPECT_EQ(index.find(pair.second, 255), 1U);
+    }
+}
+
 /// What the index stands for: items in a row, walked from the first.
 struct Item {
     std::u16string_view name;

@@ -115,6 +115,11 @@ TEST(ClsLocale, GivesBothSeparatorsAtOnce) {
     system.list.clear();
     EXPECT_FALSE(locale.GetLocaleValues(decimal, list, 99999));
     EXPECT_EQ(list, u"");
+    system.list = u";\0"s;
+    system.decimal.clear();
+    EXPECT_FALSE(locale.GetLocaleValues(decimal, list, 99999));
+    EXPECT_EQ(decimal, u"");
+    EXPECT_EQ(list, u";");
 }
 
 TEST(ClsLocale, FillsTheBoxWithTheCountriesInOrder) {

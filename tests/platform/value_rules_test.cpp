@@ -467,6 +467,10 @@ TEST(PlainNumber, LeavesEverythingElseAlone) {
     arabic.decimalMark = u"\u066B";
     EXPECT_EQ(plainNumber(u"1\u066B5", arabic), std::nullopt);
     EXPECT_EQ(plainNumber(u"1.5", arabic), 1.5f);
+    NumberLocale twoUnits = point;
+    twoUnits.decimalMark = u"::";
+    EXPECT_EQ(plainNumber(u"1::5", twoUnits), std::nullopt);
+    EXPECT_EQ(plainNumber(u"15", twoUnits), 15);
 }
 
 constexpr std::u16string_view plainUnits = u"-.,0179";
@@ -505,6 +509,12 @@ TEST(BeginsAsName, IsTrueForNamesAndNeverForWhatTheNumericTestAdmits) {
     EXPECT_TRUE(portable::isNumeric(u"kr5", kroner));
     EXPECT_FALSE(beginsAsName(u"kr5", kroner));
     EXPECT_TRUE(beginsAsName(u"Count", kroner));
+
+    NumberLocale lettered = point;
+    lettered.decimalMark = u"x";
+    EXPECT_TRUE(portable::isNumeric(u"x5", lettered));
+    EXPECT_FALSE(beginsAsName(u"x5", lettered));
+    EXPECT_TRUE(beginsAsName(u"Count", lettered));
 }
 
 TEST(BeginsAsName, NoTextThatItAnswersIsNumeric) {

@@ -304,6 +304,11 @@ TEST(InputRules, EmphasisesTheReasonOfACorrection) {
     EXPECT_EQ(rules.returnValueLook(), (LabelLook{0x800000, true}));
 }
 
+TEST(LabelLook, EqualsAnotherOnlyInColourAndWeight) {
+    EXPECT_NE((LabelLook{darkBlue, true}), (LabelLook{darkGrey, true}));
+    EXPECT_NE((LabelLook{darkBlue, true}), (LabelLook{darkBlue, false}));
+}
+
 TEST(InputRules, ShowsTheValueThatWillBeReturned) {
     InputRules rules(numberRequest(SingleNumber, 0, 5), u"", NumberLocale::commaDecimal());
     rules.change(u"2.25");
@@ -433,6 +438,13 @@ const KeyEffect cancel{KeyEffect::Action::Cancel};
 
 KeyEffect replace(std::u16string text, std::size_t caret) {
     return {KeyEffect::Action::Replace, std::move(text), caret};
+}
+
+TEST(KeyEffect, EqualsAnotherOnlyInAllThatItDoes) {
+    EXPECT_EQ(replace(u"-1", 1), replace(u"-1", 1));
+    EXPECT_NE(replace(u"-1", 1), insert);
+    EXPECT_NE(replace(u"-1", 1), replace(u"1", 1));
+    EXPECT_NE(replace(u"-1", 1), replace(u"-1", 2));
 }
 
 TEST(NumberKey, AcceptsTheDigitsAndBackspace) {

@@ -5,6 +5,14 @@
 namespace corvane {
 namespace {
 
+TEST(ScreenArea, EqualsAnotherOnlyInPlaceAndSize) {
+    const ScreenArea area{1, 2, 3, 4};
+    EXPECT_EQ(area, (ScreenArea{1, 2, 3, 4}));
+    for (const ScreenArea& other :
+         {ScreenArea{0, 2, 3, 4}, ScreenArea{1, 0, 3, 4}, ScreenArea{1, 2, 0, 4}, ScreenArea{1, 2, 3, 0}})
+        EXPECT_NE(area, other);
+}
+
 TEST(CentredOver, HasTheMiddleOfTheOwner) {
     struct Row {
         ScreenArea owner;

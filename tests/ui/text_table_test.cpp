@@ -112,6 +112,12 @@ TEST(TextTable, CountsASurrogatePairOnce) {
               "abc  y\n");
 }
 
+TEST(TextTable, CountsHalvesOfSurrogatePairsEach) {
+    const std::u16string high(1, char16_t{0xD83D});
+    const std::u16string shown = high + u"a" + high + u"\uFF11" + high + high;
+    EXPECT_EQ(aligned({u"A", u"B"}, {{shown, u"x"}}).substr(0, 20), "A       B\n------  -\n");
+}
+
 TEST(TextTable, ShowsTheSecondSetOfControlCharactersAsEscapes) {
     EXPECT_EQ(aligned({u"A"}, {{u"a\u0085\u009F"}}), "A\n---------\na\\x85\\x9f\n");
 }

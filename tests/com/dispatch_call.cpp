@@ -1,5 +1,7 @@
-#include "tests/com/component.h"
 #include "tests/com/dispatch_call.h"
+
+#include "tests/com/component.h"
+#include "tests/memory/memory_fault.h"
 
 namespace corvane::testing {
 
@@ -91,6 +93,7 @@ Answer invoke(IDispatch& object, DISPID member, WORD flags, Arguments&& argument
     EXCEPINFO exception{};
     answer.result = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, arguments.parameters(),
                                   answer.value.get(), &exception, &answer.faultyArgument);
+    const test::HostsOwnMemory own;
     answer.type = V_VT(answer.value.get());
     answer.scode = exception.scode;
     answer.source = taken(exception.bstrSource);

@@ -1,10 +1,11 @@
+#include "tests/com/published_objects.h"
+
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <string>
 
 #include "tests/com/component.h"
 #include "tests/com/publication.h"
-#include "tests/com/published_objects.h"
 
 namespace corvane::testing {
 namespace {
@@ -44,18 +45,30 @@ ComReference<IDispatch> newObject(const std::string& interfaceName) {
     return dispatchOf(create<_clsScriptParamList>(CLSID_clsScriptParamList, IID__clsScriptParamList));
 }
 
+/// The identifier that "{00112233-4455-6677-8899-AABBCCDDEEFF}" writes.
+IID identifierFrom(const std::string& text) {
+    const auto number = [&](std::size_t position, std::size_t digits) {
+        return std::stoul(text.substr(position, digits), nullptr, 16);
+    };
+    IID id{};
+    id.Data1 = static_cast<decltype(id.Data1)>(number(1, 8));
+    id.Data2 = static_cast<WORD>(number(10, 4));
+    id.Data3 = static_cast<WORD>(number(15, 4));
+    for (std::size_t i = 0; i < 8; ++i) id.Data4[i] = static_cast<BYTE>(number((i < 2 ? 20 : 21) + 2 * i, 2));
+    return id;
+}
+
 }  // namespace
 
 std::vector<PublishedObject> publishedObjects() {
     std::vector<PublishedObject> objects;
     for (const auto& [headline, lines] : frozenPublication()) {
-        static const std::regex form(R"(interface (\w+) (\{.*\}))");
-        std::smatch parts;
-        if (!std::regex_match(headline, parts, form)) continue;
+        constexpr std::string_view keyword = "interface ";
+        if (!headline.starts_with(keyword)) continue;
+        const std::size_t nameEnd = headline.find(' ', keyword.size());
         PublishedObject published;
-        published.interfaceName = parts[1];
-        const std::wstring identifier(parts[2].first, parts[2].second);
-        EXPECT_EQ(IIDFromString(identifier.c_str(), &published.interfaceId), S_OK) << headline;
+        published.interfaceName = headline.substr(keyword.size(), nameEnd - keyword.size());
+        published.interfaceId = identifierFrom(headline.substr(nameEnd + 1));
         for (const std::string& line : lines) published.members.push_back(memberOf(line));
         published.object = newObject(published.interfaceName);
         objects.push_back(std::move(published));

@@ -208,12 +208,16 @@ TEST_F(ByReference, WhatDoesNotChangeKeepsItsType) {
 
 TEST_F(ByReference, AVariableThatIsTooSmallIsAnOverflow) {
     control->count = 300;
-    std::uint8_t small = 1;
+    std::uint8_t tiny = 1;
     VARIANT table = emptyVariant();
-    const Answer answer = getInto(reference(table), reference(VT_UI1, &small));
+    const Answer answer = getInto(reference(table), reference(VT_UI1, &tiny));
     EXPECT_EQ(answer.result, DISP_E_OVERFLOW);
     EXPECT_EQ(answer.faultyArgument, 0U);
-    EXPECT_EQ(small, 1);
+    EXPECT_EQ(tiny, 1);
+    Arguments quietly{reference(table), reference(VT_UI1, &tiny)};
+    EXPECT_EQ(
+        control->Invoke(getEditable, IID_NULL, 0, DISPATCH_METHOD, quietly.parameters(), nullptr, nullptr, nullptr),
+        DISP_E_OVERFLOW);
     VariantClear(&table);
 }
 
