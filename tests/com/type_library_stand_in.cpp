@@ -241,12 +241,13 @@ constexpr int currencyUnits = 10000;
 
 // Decimals are whole numbers of 32 bits here.
 double wholeNumberOf(const DECIMAL& decimal) {
-    return decimal.sign == 0 ? decimal.Lo64 : -static_cast<double>(decimal.Lo64);
+    const auto magnitude = static_cast<double>(decimal.Lo64);
+    return decimal.sign == 0 ? magnitude : -magnitude;
 }
 
 DECIMAL decimalOf(std::int32_t number) {
     DECIMAL decimal{};
-    decimal.sign = number < 0 ? DECIMAL_NEG : 0;
+    decimal.sign = static_cast<BYTE>(number < 0 ? DECIMAL_NEG : 0);
     decimal.Lo64 = static_cast<ULONGLONG>(std::abs(std::int64_t{number}));
     return decimal;
 }
