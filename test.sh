@@ -3,9 +3,9 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint fuzz coverage same-build;
-# without names, all but the last three, which --long adds. A failed step does not keep the others from running. --long sets
-# CORVANE_LONG=1, which every test program and every step may read to do its long version.
+# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed coverage lint fuzz same-build;
+# without names, all but the last two, which --long adds. A failed step does not keep the others from running. --long
+# sets CORVANE_LONG=1, which every test program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
@@ -14,7 +14,8 @@ steps=()
 for argument in "$@"; do
     case $argument in
         --long) export CORVANE_LONG=1 ;;
-        format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | fuzz | lint | coverage | same-build)
+        format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | coverage | lint | \
+            fuzz | same-build)
             steps+=("$argument")
             ;;
         *)
@@ -24,8 +25,8 @@ for argument in "$@"; do
     esac
 done
 if [ ${#steps[@]} = 0 ]; then
-    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint)
-    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz coverage same-build); fi
+    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed coverage lint)
+    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz same-build); fi
 fi
 
 logs=build/test-logs

@@ -347,11 +347,11 @@ TEST_F(Collection, ARefusedAddLeavesItAsItWas) {
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, none, *zero), automationError(9));
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, *otherKey), automationError(5));
     EXPECT_EQ(addText(*collection.get(), u"X", *otherKey, *number, *number), automationError(5));
-    VARIANT nowhere;
-    V_VT(&nowhere) = VT_BYREF | VT_VARIANT;
-    V_VARIANTREF(&nowhere) = nullptr;
-    EXPECT_EQ(collection->Add(nowhere, none, none, none), automationError(13));
-    EXPECT_EQ(addText(*collection.get(), u"X", none, nowhere), automationError(13));
+    VARIANT endless;
+    V_VT(&endless) = VT_BYREF | VT_VARIANT;
+    V_VARIANTREF(&endless) = &endless;
+    EXPECT_EQ(collection->Add(endless, none, none, none), automationError(13));
+    EXPECT_EQ(addText(*collection.get(), u"X", none, endless), automationError(13));
     VARIANT otherError = none;
     V_ERROR(&otherError) = E_FAIL;
     EXPECT_EQ(addText(*collection.get(), u"X", otherError), automationError(13)) << "a key, and none that is left out";
