@@ -284,8 +284,9 @@ StatementResult clsCommandList::executeMsgInfoEx(StatementStep step) {
         const Text text = textOf(step.view(0));
         // Kept: the sound number stands where the style belongs, the style where the caption, the caption where the
         // help file.
-        services_.dialogs.showMessage(
-            {.text = text.view(), .caption = u"64", .style = longOf(step.view(1)), .helpFile = messageCaption});
+        const OperatorMessage shown{
+            .text = text.view(), .caption = u"64", .style = longOf(step.view(1)), .helpFile = messageCaption};
+        services_.dialogs.showMessage(shown);
     }
     return crNext;
 }

@@ -292,8 +292,8 @@ bool clsCommandList::parseEnvironmentVariable(std::u16string_view line) {
     clsDataList& memory = DataMemory();
     const Value text = Value::ofText(value);
     std::int32_t position = 0;
-    const bool isKnown = memory.FindItem(name, position, ptEnvironment);
-    clsData item = isKnown ? memory.Item(position) : memory.AddItem(name, ptEnvironment, text);
+    if (!memory.FindItem(name, position, ptEnvironment)) memory.AddItem(name, ptEnvironment, text);
+    clsData item = memory.Item(position);  // where there was none, the position is that of the new one
     item.setInitialValue(text);
     raiseDeclaration(HostEvent::EnvironmentVariableAdded, item.Identifier(), text);
     return true;
@@ -323,13 +323,10 @@ bool clsCommandList::resolveLabels() {
         }
         return !check_->rejected;
     }
-    for (std::int32_t i = 0; i < memory.Count(); ++i) {
-        const clsData item = memory.Item(i);
-        if (item.ParameterType() != ptUndeclared) continue;
-        SyntaxError(message(item));
-        return false;
-    }
-    return true;
+    std::int32_t first = 0;
+    while (memory.Item(first).ParameterType() != ptUndeclared) ++first;
+    SyntaxError(message(memory.Item(first)));
+    return false;
 }
 
 void clsCommandList::SyntaxError(std::u16string_view tMsg, std::u16string_view where) {

@@ -93,17 +93,17 @@ bool clsDataList::FindItemValue(std::u16string_view tIdentifier, std::u16string_
                                 std::int32_t tRequiredParamType) const {
     for (tIndex = 0; tIndex < Count(); ++tIndex) {
         const ItemRecord& record = items_[static_cast<std::size_t>(tIndex)];
-        if (record.initialType == ValueType::Text &&
-            Value::copyOf(record.initialType, record.initial).textView() == tValue &&
-            typeCode(record) == tRequiredParamType && identifier(record) == tIdentifier)
-            return true;
+        if (record.initialType != ValueType::Text || typeCode(record) != tRequiredParamType ||
+            identifier(record) != tIdentifier)
+            continue;
+        const Value initial = Value::copyOf(record.initialType, record.initial);
+        if (initial.textView() == tValue) return true;
     }
     return false;
 }
 
 bool clsDataList::InitialiseData() {
-    for (std::uint32_t i = 0; i < items_.size(); ++i)
-        if (!at(i).Initialise()) return false;
+    for (std::uint32_t i = 0; i < items_.size(); ++i) at(i).Initialise();
     return true;
 }
 

@@ -69,7 +69,7 @@ private:
     };
 
     void addBlock() {
-        if (size_ >= mostItems) throw std::bad_alloc();
+        if (size_ >= mostItems) throw std::bad_alloc();  // GCOVR_EXCL_BR_LINE: sixty gigabytes of items
         blocks_.push_back(std::make_unique_for_overwrite<Block>());
         last_ = blocks_.back().get();
         last_->firstPosition = static_cast<std::uint32_t>(size_);

@@ -28,7 +28,10 @@ public:
     bool isNumber() const { return plain_ || isNumericText_; }
     std::u16string_view text() const { return text_; }
     /// The number that the text is; error 6 when it is beyond a single.
-    float single(const NumberLocale& locale) const { return plain_ ? *plain_ : toSingle(Value::ofText(text_), locale); }
+    float single(const NumberLocale& locale) const {
+        if (plain_) return *plain_;
+        return toSingle(Value::ofText(text_), locale);
+    }
 
 private:
     std::u16string_view text_;
