@@ -4,18 +4,11 @@
 
 #include <memory>
 
-#include "bench/scripts.h"
-#include "bench/workload.h"
+#include "bench/peer.h"
 
 namespace corvane::bench {
 namespace {
 
-struct Counts {
-    std::int64_t before = 0;
-    std::int64_t after = 0;
-    double sum = 0;
-    std::size_t characters = 0;
-};
 Counts counts;
 
 duk_ret_t before(duk_context*) {
@@ -81,38 +74,18 @@ std::string loopOf(const std::string& beforeEach, const std::string& afterEach) 
                       "} while (less);\n");
 }
 
-constexpr std::int64_t statementsOfLoop = 2 * static_cast<std::int64_t>(turnsOfLoop);
-
 Workload loop(const std::string& manner, const std::string& text, std::int64_t calls) {
     auto heap = std::make_shared<Heap>();
-    return {"loop/Duktape/" + manner, statementsOfLoop, [=] {
-                counts = {};
-                const double seconds = secondsOf([&] { heap->run(text); });
-                expect(counts.before == calls && counts.after == calls, "natives called");
-                return seconds;
-            }};
+    return loopWorkload(
+        "Duktape/" + manner, counts, [=] { heap->run(text); },
+        [calls] { expect(counts.before == calls && counts.after == calls, "natives called"); });
 }
 
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto heap = std::make_shared<Heap>();
     const std::string text = inFunction("for (var n = 0; n < " + std::to_string(turnsOfStatement) + "; ++n) {\n" +
                                         callsInTurn("before();\n" + call + ";\nafter();\n") + "before(); after(); }\n");
-    return {name + "/Duktape", static_cast<std::int64_t>(callsOfStatement), [=] {
-                counts = {};
-                const double seconds = secondsOf([&] { heap->run(text); });
-                expect(counts.sum == sum * static_cast<double>(callsOfStatement), name);
-                expect(counts.characters == characters * callsOfStatement, name);
-                return seconds;
-            }};
-}
-
-Workload make() {
-    constexpr std::int64_t engines = 200;
-    return {"make and destroy/Duktape", engines, [] {
-                return secondsOf([] {
-                    for (std::int64_t i = 0; i < engines; ++i) const Heap heap;
-                });
-            }};
+    return statementWorkload(name + "/Duktape", counts, sum, characters, [=] { heap->run(text); });
 }
 
 }  // namespace
@@ -122,7 +95,7 @@ extern "C" void addWorkloads(std::vector<Workload>& workloads) {
     workloads.push_back(loop("natives", loopOf("before();\n", "after();\n"), statementsOfLoop));
     workloads.push_back(statement("13 numbers", numbersCall(), sumOfNumbersCall, 0));
     workloads.push_back(statement("25 mixed", mixedCall(), sumOfMixedCall, textsOfMixedCall));
-    workloads.push_back(make());
+    workloads.push_back(makeWorkload<Heap>("Duktape", 200));
 }
 
 }  // namespace corvane::bench

@@ -4,8 +4,7 @@
 #include <lua.hpp>
 #include <memory>
 
-#include "bench/scripts.h"
-#include "bench/workload.h"
+#include "bench/peer.h"
 
 namespace corvane::bench {
 namespace {
@@ -18,14 +17,6 @@ constexpr const char* system = "Lua 5.4";
 constexpr std::size_t mostLines = 1'000'000;
 #endif
 
-struct Counts {
-    std::int64_t before = 0;
-    std::int64_t after = 0;
-    std::int64_t lines = 0;
-    std::int64_t calls = 0;
-    double sum = 0;
-    std::size_t characters = 0;
-};
 Counts counts;
 
 int before(lua_State*) {
@@ -112,20 +103,16 @@ std::string loopOf(const std::string& beforeEach, const std::string& afterEach) 
            "count = count + 1\n" + afterEach + beforeEach + "less = count < limit\n" + afterEach + "until not less\n";
 }
 
-constexpr std::int64_t statementsOfLoop = 2 * static_cast<std::int64_t>(turnsOfLoop);
-
 Workload loop(const std::string& manner, const std::string& text, lua_Hook hook, const std::function<void()>& check) {
     auto state = std::make_shared<State>();
     luaL_openlibs(state->get());
     state->load(text);
-    return {std::string("loop/") + system + "/" + manner, statementsOfLoop, [=] {
-                counts = {};
-                if (hook != nullptr) lua_sethook(state->get(), hook, LUA_MASKLINE, 0);
-                const double seconds = secondsOf([&] { state->run(); });
-                lua_sethook(state->get(), nullptr, 0, 0);
-                check();
-                return seconds;
-            }};
+    const auto run = [=] {
+        if (hook != nullptr) lua_sethook(state->get(), hook, LUA_MASKLINE, 0);
+        state->run();
+        lua_sethook(state->get(), nullptr, 0, 0);
+    };
+    return loopWorkload(std::string(system) + "/" + manner, counts, run, check);
 }
 
 /// A statement a line: what comes before one is what comes after the one ahead of it.
@@ -139,13 +126,7 @@ Workload statement(const std::string& name, const std::string& call, double sum,
     state->load("local before, after, SCTest, SCTestFull = before, after, SCTest, SCTestFull\nfor n = 1, " +
                 std::to_string(turnsOfStatement) + " do\n" + callsInTurn("before()\n" + call + "\nafter()\n") +
                 "before() after()\nend\n");
-    return {name + "/" + system, static_cast<std::int64_t>(callsOfStatement), [=] {
-                counts = {};
-                const double seconds = secondsOf([&] { state->run(); });
-                expect(counts.sum == sum * static_cast<double>(callsOfStatement), name);
-                expect(counts.characters == characters * callsOfStatement, name);
-                return seconds;
-            }};
+    return statementWorkload(name + "/" + system, counts, sum, characters, [=] { state->run(); });
 }
 
 Workload load(const MixSize& size) {
@@ -158,15 +139,6 @@ Workload load(const MixSize& size) {
                     seconds += secondsOf([&] { state.load(text); });
                 }
                 return seconds;
-            }};
-}
-
-Workload make() {
-    constexpr std::int64_t engines = 1'000;
-    return {std::string("make and destroy/") + system, engines, [] {
-                return secondsOf([] {
-                    for (std::int64_t i = 0; i < engines; ++i) const State state;
-                });
             }};
 }
 
@@ -216,7 +188,7 @@ extern "C" void addWorkloads(std::vector<Workload>& workloads) {
     workloads.push_back(statement("25 mixed", mixedCall(), sumOfMixedCall, textsOfMixedCall));
     for (const MixSize& size : mixSizes)
         if (size.lines <= mostLines) workloads.push_back(load(size));
-    workloads.push_back(make());
+    workloads.push_back(makeWorkload<State>(system, 1'000));
     workloads.push_back(shortScript());
 }
 

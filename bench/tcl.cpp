@@ -5,18 +5,11 @@
 #include <cstring>
 #include <memory>
 
-#include "bench/scripts.h"
-#include "bench/workload.h"
+#include "bench/peer.h"
 
 namespace corvane::bench {
 namespace {
 
-struct Counts {
-    std::int64_t before = 0;
-    std::int64_t after = 0;
-    double sum = 0;
-    std::size_t characters = 0;
-};
 Counts counts;
 
 int before(ClientData, Tcl_Interp*, int, Tcl_Obj* const*) {
@@ -92,39 +85,19 @@ std::string loopOf(const std::string& beforeEach, const std::string& afterEach) 
            "}\n}\n";
 }
 
-constexpr std::int64_t statementsOfLoop = 2 * static_cast<std::int64_t>(turnsOfLoop);
-
 Workload loop(const std::string& manner, const std::string& text, std::int64_t calls) {
     auto interpreter = std::make_shared<Interpreter>();
     interpreter->run(text);
-    return {"loop/Tcl/" + manner, statementsOfLoop, [=] {
-                counts = {};
-                const double seconds = secondsOf([&] { interpreter->run("work"); });
-                expect(counts.before == calls && counts.after == calls, "natives called");
-                return seconds;
-            }};
+    return loopWorkload(
+        "Tcl/" + manner, counts, [=] { interpreter->run("work"); },
+        [calls] { expect(counts.before == calls && counts.after == calls, "natives called"); });
 }
 
 Workload statement(const std::string& name, const std::string& call, double sum, std::size_t characters) {
     auto interpreter = std::make_shared<Interpreter>();
     interpreter->run("proc work {} {\nfor {set n 0} {$n < " + std::to_string(turnsOfStatement) + "} {incr n} {\n" +
                      callsInTurn("before\n" + commandOf(call) + "\nafter\n") + "before\nafter\n}\n}\n");
-    return {name + "/Tcl", static_cast<std::int64_t>(callsOfStatement), [=] {
-                counts = {};
-                const double seconds = secondsOf([&] { interpreter->run("work"); });
-                expect(counts.sum == sum * static_cast<double>(callsOfStatement), name);
-                expect(counts.characters == characters * callsOfStatement, name);
-                return seconds;
-            }};
-}
-
-Workload make() {
-    constexpr std::int64_t engines = 20;
-    return {"make and destroy/Tcl", engines, [] {
-                return secondsOf([] {
-                    for (std::int64_t i = 0; i < engines; ++i) const Interpreter interpreter;
-                });
-            }};
+    return statementWorkload(name + "/Tcl", counts, sum, characters, [=] { interpreter->run("work"); });
 }
 
 }  // namespace
@@ -135,7 +108,7 @@ extern "C" void addWorkloads(std::vector<Workload>& workloads) {
     workloads.push_back(loop("natives", loopOf("before\n", "after\n"), statementsOfLoop));
     workloads.push_back(statement("13 numbers", numbersCall(), sumOfNumbersCall, 0));
     workloads.push_back(statement("25 mixed", mixedCall(), sumOfMixedCall, textsOfMixedCall));
-    workloads.push_back(make());
+    workloads.push_back(makeWorkload<Interpreter>("Tcl", 20));
 }
 
 }  // namespace corvane::bench
