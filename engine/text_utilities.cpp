@@ -10,10 +10,12 @@ namespace corvane {
 const char16_t* FindEither(const char16_t* begin, const char16_t* end, char16_t first, char16_t second) {
     using Units [[gnu::vector_size(16)]] = std::uint16_t;  // compared at once where the processor can
     constexpr std::ptrdiff_t unitsAtOnce = 8;
+    const Units firsts = {first, first, first, first, first, first, first, first};
+    const Units seconds = {second, second, second, second, second, second, second, second};
     for (; end - begin >= unitsAtOnce; begin += unitsAtOnce) {
         Units units;
         std::memcpy(&units, begin, sizeof units);
-        const auto hits = (units == first) | (units == second);
+        const auto hits = (units == firsts) | (units == seconds);
         std::uint64_t halves[2];
         std::memcpy(halves, &hits, sizeof halves);
         if ((halves[0] | halves[1]) != 0) break;
