@@ -6,7 +6,8 @@
 #   native    build and run on this machine        windows   cross build, and Wine to run what was built
 #   tests     what the tests themselves need       checks    format, static analysis, scripts
 #   fuzz      the fuzz targets                     bench     the peers that the engine is measured beside
-#   all       everything but bench
+#   mutation  what finds the places of mutants
+#   all       everything but bench and mutation
 set -euo pipefail
 
 native='ccache cmake g++ libcli11-dev ninja-build nlohmann-json3-dev googletest'
@@ -15,8 +16,12 @@ windows='debootstrap fonts-liberation fonts-wine fp-compiler fpc-source g++-ming
     g++-mingw-w64-x86-64-posix libwine-dev mingw-w64-tools python3 wine64 xdotool xvfb'
 checks='clang-format clang-tidy cppcheck git python3 shellcheck'
 fuzz='clang-14 libclang-rt-14-dev llvm-14 python3'
-# shellcheck disable=SC2034  # read by its name alone, as it is no part of all
-bench='duktape-dev libbenchmark-dev liblua5.4-dev libluajit-5.1-dev python3 tcl8.6-dev'
+# shellcheck disable=SC2034  # read by their names alone, as they are no part of all
+{
+    bench='duktape-dev libbenchmark-dev liblua5.4-dev libluajit-5.1-dev python3 tcl8.6-dev'
+    # The parser of version 14 gives up on comparisons of vectors.
+    mutation='python3 python3-clang-16'
+}
 
 asRoot() {
     if [ "$(id -u)" = 0 ]; then
@@ -72,7 +77,7 @@ fi
 packages=
 for group in "${groups[@]}"; do
     case $group in
-        native | tests | windows | checks | fuzz | bench) packages+=" ${!group}" ;;
+        native | tests | windows | checks | fuzz | bench | mutation) packages+=" ${!group}" ;;
         all) packages+=" $native $tests $windows $checks $fuzz" ;;
         *)
             echo "setup.sh: no such group: $group" >&2

@@ -84,7 +84,8 @@ TEST_F(ScriptCheck, PointsAtTheFaultWithinTheUntrimmedLine) {
         {u"nonsense", "0:0: Invalid input:\r\n\r\n'nonsense'"},
         {u" \t nonsense \t", "0:3: Invalid input:\r\n\r\n'nonsense'"},
         {u"  CONST X =  ", "0:2: Invalid input:\r\n\r\n'CONST X ='"},
-        {u"  Goto()", "0:2: Goto requires 1 parameters"},          // nothing there to point at
+        {u"  Goto()", "0:2: Goto requires 1 parameters"},  // nothing there to point at
+        {u"  Set( A )", "0:2: Set requires 2 parameters"},
         {u"  Goto( A,  B )", "0:12: Goto requires 1 parameters"},  // the first that is too many
         {u"Goto( A, B, C, D)", "0:9: Goto requires 1 parameters"},
         {u"Set( X, 5)", "0:5: Undeclared identifier"},

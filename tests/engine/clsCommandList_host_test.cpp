@@ -243,6 +243,35 @@ TEST_F(HostStatement, EveryInstrumentStatementFailsWithoutTheHostsSuccess) {
     }
 }
 
+TEST_F(HostStatement, EveryEventIsRaisedWithoutSuccess) {
+    struct Unanswering final : EngineOwner {
+        Lines raised;
+        void raise(Event& event) override {
+            EXPECT_FALSE(event.succeeded()) << event.row().name;
+            raised.emplace_back(event.row().name);
+            event.succeed();
+        }
+        void CommandComplete(std::int32_t, std::int32_t) override {}
+    } host;
+    for (const KindRow& row : kindRows()) {
+        clsCommandList designed(host, services, designedOptions);
+        ASSERT_TRUE(designed.CreateCommandList(scriptOf(row)));
+        host.raised.clear();
+        std::int32_t address = 0;
+        designed.ExecuteCommand(designed.Command(1), address);
+        designed.ExecuteCommand(designed.Command(1), address);
+        EXPECT_GE(host.raised.size(), 2U) << toUtf8(row.statement);
+    }
+}
+
+TEST_F(HostStatement, AParameterThatTheCatalogueLeavesOutHoldsNoObject) {
+    SetFunctionDefinition(ctWaitTime, u"WaitTime", 1, u"");
+    ASSERT_TRUE(load(u"WaitTime(5)"));
+    EXPECT_EQ(errorOf([&] { engine.ExecuteList(); }), 91);
+    EXPECT_TRUE(owner.lines.empty());
+    BuildFunctionCatalogue();
+}
+
 TEST_F(HostStatement, EachBooleanOfSCTestFullComesFromItsOwnParameter) {
     const std::size_t booleans[] = {0, 3, 6, 7, 12, 14, 15, 20};
     for (const std::size_t chosen : booleans) {

@@ -477,6 +477,17 @@ TEST_F(RunLoop, AFractionalTargetOfALabelEditedByTheHostIsRounded) {
 
 // Result codes
 
+TEST_F(RunLoop, AnEngineWithoutALocaleWritesNumbersAsTheUserDoes) {
+    const EngineServices usersServices{dialogs, pump};
+    clsCommandList usersEngine(owner, usersServices);
+    const std::u16string half(toText(Value::ofSingle(0.5F), NumberLocale::user()).view());
+    for (const std::u16string_view script : {u"VAR Half = 0.5", u"Park()\nVAR Half = 0.5"}) {
+        EXPECT_EQ(usersEngine.locale().decimalMark, NumberLocale::user().decimalMark);
+        ASSERT_TRUE(usersEngine.CreateCommandList(script));
+        EXPECT_EQ(owner.lines.back(), "VariableAdded(\"Half\", \"" + toUtf8(half) + "\")");
+    }
+}
+
 TEST_F(RunLoop, ExecuteCommandAnswersTheResultCodeAndTheTarget) {
     ASSERT_TRUE(load(u"Goto(L)\nCall(L)\nReturn\nPark()\nIfEqual(1, 1, L)\nIfEqual(1, 2, L)\nL:"));
     engine.DataMemory().InitialiseData();

@@ -250,6 +250,12 @@ TEST_F(Binding, ANumberThatASingleCannotHoldFailsWithAnOverflow) {
     EXPECT_TRUE(dialogs.messages.empty());
 }
 
+TEST_F(Binding, ANumberThatASingleCannotHoldLeavesAZeroInMemory) {
+    ASSERT_TRUE(load(u""));
+    EXPECT_EQ(errorOf([&] { bind(u"ShakeBlade(1e39)"); }), 6);
+    EXPECT_EQ(memory(), Strings{":130=i0"});
+}
+
 // Names
 
 TEST_F(Binding, ANameIsBoundToItsItemInAnyCase) {
@@ -417,6 +423,13 @@ TEST_F(Binding, ParametersBehindTheFirstSurplusOneAreNotRead) {
     EXPECT_EQ(command->boundCount(), 2);
 }
 
+TEST_F(Binding, ANegativeNumberOfParametersIsMetByNoList) {
+    SetFunctionDefinition(ctPark, u"Park", -1, u"");
+    EXPECT_EQ(faultOf(u"Park()"), "Park requires -1 parameters");
+    EXPECT_EQ(faultOf(u"Park(1)"), "Park requires -1 parameters");
+    BuildFunctionCatalogue();
+}
+
 TEST_F(Binding, WhatWasAddedWhileBindingStaysWhenTheStatementIsRefused) {
     EXPECT_EQ(faultOf(u"Set(Nothing, 7)"), "Undeclared identifier");
     EXPECT_EQ(memory(), (Strings{"Nothing:1=i-1", ":130=s7"}));
@@ -512,6 +525,15 @@ TEST_F(Binding, AComparisonRefusesAStringVariable) {
     EXPECT_EQ(faultOf(u"IfEqual(Name, 1, Here)", u"VAR Name = \"n\""), "Incorrect parameter type: 1");
     EXPECT_EQ(faultOf(u"IfEqual(1, Name, Here)", u"VAR Name = \"n\""), "Incorrect parameter type: 2");
     EXPECT_EQ(faultOf(u"IfEqual(1, 2, Name)", u"VAR Name = \"n\""), "Incorrect parameter type: 3");
+}
+
+TEST_F(Binding, ASlotThatAcceptsEverythingTakesNoUndeclaredName) {
+    EXPECT_EQ(faultOf(u"VesselSplit(a, b, c, d, e, f)"), "Undeclared identifier");
+}
+
+TEST_F(Binding, ANumberIsRefusedInWhateverWayItIsWritten) {
+    for (const std::u16string_view line : {u"Goto(5)", u"Goto(-5)", u"Goto(+5)", u"Goto(5e0)", u"Increment(5-)"})
+        EXPECT_EQ(faultOf(line), "Incorrect parameter type: 1") << toUtf8(line);
 }
 
 TEST_F(Binding, AnAssignmentToAnUndeclaredNameIsReported) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "host/clsScriptControl.h"
 #include "tests/allocation_counter.h"
@@ -12,6 +13,26 @@ namespace {
 class WillingHost final : public EventSink {
 public:
     void raise(Event& event) override { event.succeed(); }
+};
+
+/// Loads its script anew whenever it is asked to park, and fails at the fiftieth time.
+class ReloadingHost final : public EventSink {
+public:
+    clsScriptControl* control = nullptr;
+    std::u16string script;
+    std::vector<std::size_t> living;  ///< allocations, after each load
+
+    ReloadingHost() { living.reserve(turns); }
+    void raise(Event& event) override {
+        event.succeed();
+        if (event.id() != HostEvent::Park) return;
+        EXPECT_TRUE(control->LoadScript_FromScript(script, u"", 1, 1));
+        living.push_back(test::livingAllocations());
+        event.succeed(living.size() < turns);
+    }
+
+private:
+    static constexpr std::size_t turns = 50;
 };
 
 class QuietPump final : public MessagePump {
@@ -39,6 +60,18 @@ protected:
         return test::allocationCount() - before;
     }
 
+    /// The allocations that a control lives on after a run during which its host loads the script anew.
+    std::size_t livingAfterRun(const std::u16string& script, ReloadingHost& reloading) {
+        const std::size_t before = test::livingAllocations();
+        clsScriptControl control({nobody, pump, &numbers});
+        reloading.control = &control;
+        reloading.script = script;
+        control.setEventSink(&reloading);
+        EXPECT_TRUE(control.LoadScript_FromScript(script, u"", 1, 1));
+        EXPECT_TRUE(control.RunScript());
+        return test::livingAllocations() - before;
+    }
+
     std::size_t allocationsOfLoad(const std::u16string& line, int lines) {
         clsScriptControl control({nobody, pump, &numbers});
         std::u16string script;
@@ -60,6 +93,22 @@ TEST_F(Allocation, AStepWithATextSharesIt) {
     for (const std::u16string body :
          {u"Info(\"one text\")", u"TextCommand(\"Air\", \"1\", \"2\", \"3\", \"4\", \"5\", \"6\")"})
         EXPECT_EQ(allocationsOfRun(body, 2), allocationsOfRun(body, 500));
+}
+
+TEST_F(Allocation, ARunThatLoadsAgainAndAgainKeepsOneReplacedScriptAtMost) {
+    ReloadingHost reloading;
+    livingAfterRun(u"Again:\nPark()\nGoto(Again)", reloading);
+    ASSERT_EQ(reloading.living.size(), 50u);
+    EXPECT_EQ(reloading.living[5], reloading.living[49]);
+}
+
+TEST_F(Allocation, AnEndedRunKeepsNoReplacedScript) {
+    ReloadingHost inTheMiddle;
+    ReloadingHost atTheEnd;
+    const std::u16string lines = u"\nVAR X = \"a text that needs an allocation\"";
+    EXPECT_EQ(livingAfterRun(u"Park()\nTareWeight()" + lines, inTheMiddle),
+              livingAfterRun(u"TareWeight()\nPark()" + lines, atTheEnd));
+    EXPECT_EQ(atTheEnd.living.size(), 1u);
 }
 
 TEST_F(Allocation, OfANumbersTextIsSeen) {
