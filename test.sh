@@ -3,8 +3,8 @@
 #
 #   ./test.sh [--long] [STEP...]
 #
-# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed coverage lint fuzz same-build;
-# without names, all but the last two, which --long adds. A failed step does not keep the others from running. --long
+# Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint coverage fuzz same-build;
+# without names, all but the last three, which --long adds. A failed step does not keep the others from running. --long
 # sets CORVANE_LONG=1, which every test program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
@@ -25,8 +25,8 @@ for argument in "$@"; do
     esac
 done
 if [ ${#steps[@]} = 0 ]; then
-    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed coverage lint)
-    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(fuzz same-build); fi
+    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint)
+    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(coverage fuzz same-build); fi
 fi
 
 logs=build/test-logs
