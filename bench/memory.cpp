@@ -12,6 +12,7 @@
 extern "C" void* __libc_malloc(std::size_t);
 extern "C" void* __libc_calloc(std::size_t, std::size_t);
 extern "C" void* __libc_realloc(void*, std::size_t);
+extern "C" void* __libc_memalign(std::size_t, std::size_t);
 extern "C" void __libc_free(void*);
 
 namespace {
@@ -19,12 +20,32 @@ namespace {
 std::size_t live = 0;
 std::size_t peak = 0;
 
+// Aligned pieces count as what was asked for: the library calls usable what it has set aside to align them and nobody
+// touches.
+struct AlignedPiece {
+    void* memory;
+    std::size_t size;
+};
+constexpr std::size_t mostAlignedPieces = 4096;
+AlignedPiece alignedPieces[mostAlignedPieces];
+std::size_t alignedCount = 0;
+
+std::size_t sizeOf(void* memory) {
+    AlignedPiece* const end = alignedPieces + alignedCount;
+    AlignedPiece* const found =
+        std::find_if(alignedPieces, end, [&](const AlignedPiece& piece) { return piece.memory == memory; });
+    return found != end ? found->size : malloc_usable_size(memory);
+}
 void* taken(void* memory) {
-    live += malloc_usable_size(memory);
+    live += sizeOf(memory);
     peak = std::max(peak, live);
     return memory;
 }
-void given(void* memory) { live -= malloc_usable_size(memory); }
+void given(void* memory) {
+    live -= sizeOf(memory);
+    for (std::size_t i = 0; i < alignedCount; ++i)
+        if (alignedPieces[i].memory == memory) alignedPieces[i] = alignedPieces[--alignedCount];
+}
 
 }  // namespace
 
@@ -33,6 +54,12 @@ extern "C" void* calloc(std::size_t count, std::size_t size) { return taken(__li
 extern "C" void* realloc(void* memory, std::size_t size) {
     given(memory);
     return taken(__libc_realloc(memory, size));
+}
+extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    if (alignedCount == mostAlignedPieces) return nullptr;
+    void* const memory = __libc_memalign(alignment, size);
+    if (memory != nullptr) alignedPieces[alignedCount++] = {memory, size};
+    return taken(memory);
 }
 extern "C" void free(void* memory) {
     given(memory);

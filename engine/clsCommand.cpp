@@ -13,6 +13,13 @@
 #include "platform/value_rules.h"
 
 namespace corvane {
+namespace {
+
+bool isAllowed(std::int32_t actualType, std::int32_t allowed) {
+    return actualType != ptUndeclared && (actualType & allowed) == actualType;
+}
+
+}  // namespace
 
 /// The parameters while they are bound: what the type test and its messages need to know of each.
 struct clsCommand::Binding {
@@ -58,7 +65,7 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
     Binding binding;
     BindParameters(tParamList, definition, binding);
     const std::int32_t count = binding.count;
-    ItemRecord** const slots = script_->slots.allocate(static_cast<std::size_t>(count));
+    ItemRecord** const slots = script_->memory.allocate<ItemRecord*>(static_cast<std::size_t>(count));
     std::transform(binding.parameters.begin(), binding.parameters.begin() + count, slots,
                    [](const Binding::Parameter& parameter) { return parameter.item; });
     slots_ = slots;
@@ -86,28 +93,41 @@ bool clsCommand::SetParameters(std::u16string_view tParamList) {
 // A literal that another statement wrote as well gets an item of its own all the same: the lookup for an equal literal
 // compares stored numbers with the literal's text, and a number never equals a text.
 void clsCommand::BindParameters(std::u16string_view list, const FunctionDefinition& definition, Binding& binding) {
+    std::int32_t count = 0;
+    bool fits = true;
     while (!list.empty()) {
         std::u16string_view token;
         std::int32_t actualType = ptConstant | ptNumber;
         float number = 0;
-        const bool isPlainNumber = NextPlainNumber(list, token, number);
-        if (!isPlainNumber) token = NextParameter(list);
-        const clsData item =
-            isPlainNumber ? script_->dataMemory.AddLiteral(Value::ofSingle(number)) : bindParameter(token, actualType);
-        if (binding.count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
-        const auto slot = static_cast<std::size_t>(binding.count++);
-        binding.parameters[slot] = {&item.record(), actualType, token.data(), token.size()};
+        clsDataList& memory = script_->dataMemory;
+        ItemRecord* item = nullptr;
+        if (NextPlainNumber(list, token, number)) {
+            item = &memory.AddNumber(number).record();
+        } else {
+            // Copies, since what other functions write to would be kept in memory on the way through the numbers too.
+            std::u16string_view rest = list;
+            token = NextParameter(rest);
+            list = rest;
+            std::int32_t type = ptUndeclared;
+            item = &bindParameter(token, type).record();
+            actualType = type;
+        }
+        if (count == maximumParameters) throw automation_error(ErrorNumber::SubscriptOutOfRange);
+        const auto slot = static_cast<std::size_t>(count++);
+        binding.parameters[slot] = {item, actualType, token.data(), token.size()};
         const std::int32_t allowed = definition.Params[slot].ParamType;
-        binding.fits = binding.fits && actualType != ptUndeclared && (actualType & allowed) == actualType;
-        if (binding.count > definition.ParamCount) break;
+        fits = fits && isAllowed(actualType, allowed);
+        if (count > definition.ParamCount) break;
     }
+    binding.count = count;
+    binding.fits = fits;
 }
 
 clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actualType) {
     clsDataList& memory = script_->dataMemory;
     if (IsQuotedString(token)) {
         actualType = ptConstant | ptString;
-        return memory.AddLiteral(Value::ofText(StripQuotes(token)));
+        return memory.AddString(StripQuotes(token));
     }
     const NumberLocale& numbers = engine().locale();
     if (beginsAsName(token, numbers)) return bindName(token, actualType);
@@ -118,8 +138,8 @@ clsData clsCommand::bindParameter(std::u16string_view token, std::int32_t& actua
 }
 
 clsData clsCommand::CreateLiteralItem(const NumericReading& reading) const {
-    clsData literal =
-        script_->dataMemory.AddLiteral(Value::ofInteger(0));  // Kept: stays when the number is beyond a single
+    // Kept: the item stays when the number is beyond a single.
+    clsData literal = script_->dataMemory.AddItem({}, ptConstant | ptNumber, Value::ofInteger(0));
     literal.setInitialValue(Value::ofSingle(reading.single(engine().locale())));
     return literal;
 }
@@ -146,12 +166,13 @@ bool clsCommand::CheckParameterTypes(const Binding& binding) const {
         const Binding::Parameter& parameter = binding.parameters[slot];
         const std::int32_t actual = parameter.actualType;
         const std::int32_t allowed = definition.Params[slot].ParamType;
+        if (isAllowed(actual, allowed)) continue;
         if (actual == ptUndeclared && allowed == ptLabel) {
             engine().noteForwardReference(ItemStore::positionOf(*parameter.item), parameter.token());
         } else if (actual == ptUndeclared) {
             engine().SyntaxError(u"Undeclared identifier", parameter.token());
             fits = false;
-        } else if ((actual & allowed) != actual) {
+        } else {
             engine().SyntaxError(u"Incorrect parameter type: " + decimal(i + 1), parameter.token());
             fits = false;
         }

@@ -284,7 +284,6 @@ private:
     Value::Payload convertedArgument(ValueView value, ValueType type) const;
     inline Text textOf(ValueView value) const;
     inline float singleOf(ValueView value) const;
-    inline bool booleanOf(ValueView value) const;
     inline std::int32_t longOf(ValueView value) const;
 
     EngineOwner& owner_;
@@ -325,10 +324,6 @@ inline float clsCommandList::singleOf(ValueView value) const {
 
 inline std::int32_t clsCommandList::longOf(ValueView value) const {
     return everyday::isLong(value) ? everyday::toLong(value) : toLong(value, locale());
-}
-
-inline bool clsCommandList::booleanOf(ValueView value) const {
-    return everyday::isBoolean(value) ? everyday::toBoolean(value) : toBoolean(value, locale());
 }
 
 inline Text clsCommandList::textOf(ValueView value) const {

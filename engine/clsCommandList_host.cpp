@@ -23,7 +23,7 @@ Value::Payload clsCommandList::convertedArgument(ValueView value, ValueType type
     switch (type) {
         case ValueType::Single: return Value::ofSingle(singleOf(value)).detach();
         case ValueType::Long: return Value::ofLong(longOf(value)).detach();
-        case ValueType::Boolean: return Value::ofBoolean(booleanOf(value)).detach();
+        case ValueType::Boolean: return Value::ofBoolean(toBoolean(value, locale())).detach();
         default: return Value::ofText(textOf(value)).detach();
     }
 }

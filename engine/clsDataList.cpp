@@ -17,11 +17,18 @@ clsDataList::~clsDataList() {
 
 clsData clsDataList::AddItem(std::u16string_view identifier, std::int32_t typeCode, Value initialValue) {
     if (!identifier.empty()) identifiers_.emplaceBack(identifier);
-    ItemRecord& record = items_.append(0, std::move(initialValue));
+    ItemRecord& record = items_.append(0);
+    record.begin(std::move(initialValue));
     if (!identifier.empty()) record.identifier = static_cast<std::uint32_t>(identifiers_.size());
     storeTypeCode(record, typeCode);
     enterInIndex(record);
     return itemOf(record);
+}
+
+clsData clsDataList::AddString(Text text) {
+    const clsData literal = addLiteral(ptConstant | ptString);
+    literal.record().begin(Value::ofText(std::move(text)));
+    return literal;
 }
 
 void clsDataList::storeTypeCode(ItemRecord& record, std::int32_t typeCode) {

@@ -81,8 +81,9 @@ private:
 /// The data memory of one loaded script: its items in the order in which they were entered. Items are never removed.
 class clsDataList {
 public:
-    /// `listener` is where CurrentValueChanged is told, if it points to one at that time; it outlives the list.
-    explicit clsDataList(EngineListener* const& listener = nobody) : listener_(listener) {}
+    /// `listener` is where CurrentValueChanged is told, if it points to one at that time. Both outlive the list.
+    explicit clsDataList(SlabMemory& memory, EngineListener* const& listener = nobody)
+        : listener_(listener), items_(memory), identifiers_(memory) {}
     clsDataList(const clsDataList&) = delete;
     clsDataList& operator=(const clsDataList&) = delete;
     ~clsDataList();
@@ -92,8 +93,9 @@ public:
     /// Appends an item that has its name, type and initial value from the start.
     clsData AddItem(std::u16string_view identifier, std::int32_t typeCode, Value initialValue);
 
-    /// Appends a literal: a nameless constant, a string for a text and a number for a number.
-    clsData AddLiteral(Value value);
+    /// Appends a literal, a nameless constant: a number, by far the most frequent, or a string.
+    clsData AddNumber(float number);
+    clsData AddString(Text text);
 
     /// The item at a position from 1 to Count; error 5 elsewhere.
     clsData GetItemPtr(std::int32_t tIndex);
@@ -144,6 +146,7 @@ private:
     };
     static inline EngineListener* const nobody = nullptr;
 
+    clsData addLiteral(std::uint8_t typeCode);
     std::u16string_view identifier(const ItemRecord& record) const;
     std::int32_t typeCode(const ItemRecord& record) const;
     void storeTypeCode(ItemRecord& record, std::int32_t typeCode);
@@ -164,11 +167,16 @@ private:
     std::int32_t editableCount_ = 0;
 };
 
-inline clsData clsDataList::AddLiteral(Value value) {
-    const auto typeCode = static_cast<std::uint8_t>(ptConstant | (value.isText() ? ptString : ptNumber));
-    ItemRecord& record = items_.append(typeCode, std::move(value));
+[[gnu::always_inline]] inline clsData clsDataList::addLiteral(std::uint8_t typeCode) {
+    ItemRecord& record = items_.append(typeCode);
     if (index_) index_->appendNameless(typeCode, static_cast<std::uint32_t>(items_.size() - 1));
     return itemOf(record);
+}
+
+inline clsData clsDataList::AddNumber(float number) {
+    const clsData literal = addLiteral(ptConstant | ptNumber);
+    literal.record().begin(Value::ofSingle(number));
+    return literal;
 }
 
 inline ValueView clsData::currentView() const { return {record_->currentType, record_->current}; }

@@ -2,11 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
+#include "engine/slab_memory.h"
 #include "platform/value.h"
 
 namespace corvane {
@@ -23,6 +23,12 @@ struct ItemRecord {
     ValueType currentType;
 
     static constexpr std::uint8_t otherTypeCode = 0xFF;
+
+    /// Takes the value over, in place of none.
+    void begin(Value value) noexcept {
+        initialType = value.type();
+        initial = std::move(value).detach();
+    }
 };
 
 /// The records of a list, in blocks that never move. Statements refer to an item by its address alone, which is the
@@ -30,14 +36,17 @@ struct ItemRecord {
 /// that the way back to the position is open too.
 class ItemStore {
 public:
+    /// `memory` outlives the store.
+    explicit ItemStore(SlabMemory& memory) : memory_(memory) {}
+
     std::size_t size() const noexcept { return size_; }
     ItemRecord& operator[](std::size_t position) const noexcept {
         return blocks_[position / blockSize]->records[position % blockSize];
     }
 
-    /// Appends a nameless item whose current value is the 16-bit integer 0; it takes the initial value over. Throws
-    /// std::bad_alloc, also beyond 2^31 items, and leaves the store as it was.
-    ItemRecord& append(std::uint8_t typeCode, Value initial) {
+    /// Appends a nameless item whose current value is the 16-bit integer 0; its initial value is the caller's to write.
+    /// Throws std::bad_alloc, also beyond 2^31 items, and leaves the store as it was.
+    ItemRecord& append(std::uint8_t typeCode) {
         const std::size_t place = size_ % blockSize;
         if (place == 0) [[unlikely]]
             addBlock();
@@ -47,8 +56,6 @@ public:
         record.identifier = 0;
         record.currentType = ValueType::Integer;
         record.current = {};
-        record.initialType = initial.type();
-        record.initial = std::move(initial).detach();
         ++size_;
         return record;
     }
@@ -68,14 +75,15 @@ private:
         ItemRecord records[blockSize];
     };
 
-    void addBlock() {
+    [[gnu::noinline]] void addBlock() {
         if (size_ >= mostItems) throw std::bad_alloc();  // GCOVR_EXCL_BR_LINE: sixty gigabytes of items
-        blocks_.push_back(std::make_unique_for_overwrite<Block>());
-        last_ = blocks_.back().get();
+        blocks_.push_back(memory_.allocate<Block>(1));
+        last_ = blocks_.back();
         last_->firstPosition = static_cast<std::uint32_t>(size_);
     }
 
-    std::vector<std::unique_ptr<Block>> blocks_;
+    SlabMemory& memory_;
+    std::vector<Block*> blocks_;
     Block* last_ = nullptr;
     std::size_t size_ = 0;
 };

@@ -69,7 +69,8 @@ private:
     void grow();
 
     std::vector<Entry*> table_;  // open addressing; a power of two, at most half full
-    BlockVector<Entry, 64> entries_;
+    SlabMemory memory_;
+    BlockVector<Entry, 64> entries_{memory_};
     Entry unnamed_{{}, 0};  // literals, by far the most frequent
 };
 

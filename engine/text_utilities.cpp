@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstring>
 
@@ -9,7 +10,9 @@ namespace corvane {
 
 const char16_t* FindEither(const char16_t* begin, const char16_t* end, char16_t first, char16_t second) {
     using Units [[gnu::vector_size(16)]] = std::uint16_t;  // compared at once where the processor can
+    static_assert(std::endian::native == std::endian::little, "the first unit is the lowest part of its half");
     constexpr std::ptrdiff_t unitsAtOnce = 8;
+    constexpr int bitsOfUnit = 16;
     const Units firsts = {first, first, first, first, first, first, first, first};
     const Units seconds = {second, second, second, second, second, second, second, second};
     for (; end - begin >= unitsAtOnce; begin += unitsAtOnce) {
@@ -18,7 +21,8 @@ const char16_t* FindEither(const char16_t* begin, const char16_t* end, char16_t 
         const auto hits = (units == firsts) | (units == seconds);
         std::uint64_t halves[2];
         std::memcpy(halves, &hits, sizeof halves);
-        if ((halves[0] | halves[1]) != 0) break;
+        if (halves[0] != 0) return begin + std::countr_zero(halves[0]) / bitsOfUnit;
+        if (halves[1] != 0) return begin + unitsAtOnce / 2 + std::countr_zero(halves[1]) / bitsOfUnit;
     }
     while (begin != end && *begin != first && *begin != second) ++begin;
     return begin;

@@ -370,11 +370,13 @@ TEST_F(HostStatement, BooleanArgumentsTakeNumbersAndTexts) {
     };
     const auto text = [](std::u16string_view characters) { return Value::ofText(characters); };
     const Row rows[] = {
-        {Value::ofSingle(0), "bFalse"},   {Value::ofSingle(1), "bTrue"},   {Value::ofSingle(-1), "bTrue"},
-        {Value::ofSingle(0.5F), "bTrue"}, {Value::ofInteger(0), "bFalse"}, {Value::ofInteger(2), "bTrue"},
-        {Value::ofLong(65536), "bTrue"},  {text(u"True"), "bTrue"},        {text(u"false"), "bFalse"},
-        {text(u"TRUE"), "bTrue"},         {text(u"0"), "bFalse"},          {text(u"3"), "bTrue"},
-        {text(u"0.25"), "bTrue"},
+        {Value::ofSingle(0), "bFalse"},  {Value::ofSingle(1), "bTrue"},
+        {Value::ofSingle(-1), "bTrue"},  {Value::ofSingle(0.5F), "bTrue"},
+        {Value::ofInteger(0), "bFalse"}, {Value::ofInteger(2), "bTrue"},
+        {Value::ofLong(65536), "bTrue"}, {text(u"True"), "bTrue"},
+        {text(u"false"), "bFalse"},      {text(u"TRUE"), "bTrue"},
+        {text(u"0"), "bFalse"},          {text(u"3"), "bTrue"},
+        {text(u"0.25"), "bTrue"},        {Value::ofSingle(std::numeric_limits<float>::quiet_NaN()), "bTrue"},
     };
     ASSERT_TRUE(
         load(u"VAR B\nSCTestFull(B, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, \"\", 0, 0, 0, \"\", \"\", \"\", "

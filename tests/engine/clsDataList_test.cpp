@@ -45,8 +45,9 @@ std::string lookUpValue(const clsDataList& list, std::u16string_view name, std::
 // Items
 
 TEST(MemoryItem, EqualsOnlyTheSameItemOfTheSameList) {
-    clsDataList list;
-    clsDataList other;
+    SlabMemory memory;
+    clsDataList list(memory);
+    clsDataList other(memory);
     const clsData first = list.AddItem();
     const clsData second = list.AddItem();
     EXPECT_TRUE(first == list.Item(0));
@@ -55,7 +56,8 @@ TEST(MemoryItem, EqualsOnlyTheSameItemOfTheSameList) {
 }
 
 TEST(MemoryItem, TakesASingleWhateverItHeldBefore) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     const clsData item = list.AddItem();
     for (const Value& before : {Value::ofInteger(3), Value::ofText(u"text"), Value::ofSingle(4)}) {
         item.setCurrentValue(before);
@@ -65,7 +67,8 @@ TEST(MemoryItem, TakesASingleWhateverItHeldBefore) {
 }
 
 TEST(MemoryItem, ReadsItsDefaultsUntilSet) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     const clsData item = list.AddItem();
     EXPECT_EQ(item.Identifier(), u"");
     EXPECT_EQ(item.ParameterType(), 1);
@@ -79,7 +82,8 @@ TEST(MemoryItem, ReadsItsDefaultsUntilSet) {
 }
 
 TEST(MemoryItem, KeepsEachPropertyThatIsWritten) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData other = list.AddItem();
     clsData item = list.AddItem();
     item.setIdentifier(u"Force");
@@ -107,7 +111,8 @@ TEST(MemoryItem, KeepsEachPropertyThatIsWritten) {
 }
 
 TEST(MemoryItem, KeepsAnyTypeCode) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem();
     for (const std::int32_t code : {0, 1, 130, 255, 65534, 65535, 65536, -1, highest, lowest, 8}) {
         item.setParameterType(code);
@@ -116,7 +121,8 @@ TEST(MemoryItem, KeepsAnyTypeCode) {
 }
 
 TEST(MemoryItem, KeepsValuesOfEveryType) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem();
     const auto dataSet = makeReference<clsDataSetParameters>();
     const std::vector<std::pair<Value, std::string>> cases = {
@@ -136,7 +142,8 @@ TEST(MemoryItem, KeepsValuesOfEveryType) {
 TEST(MemoryItem, AValueOutlivesTheItemThatItWasReadFrom) {
     Value value;
     {
-        clsDataList list;
+        SlabMemory memory;
+        clsDataList list(memory);
         list.AddItem({}, ptString, Value::ofText(u"stays"));
         value = list.Item(0).InitialValue();
     }
@@ -144,7 +151,8 @@ TEST(MemoryItem, AValueOutlivesTheItemThatItWasReadFrom) {
 }
 
 TEST(MemoryItem, InitialiseCopiesTheInitialValueWithItsType) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     for (const Value& initial : {Value::ofSingle(2.5F), Value::ofText(u"text"), Value::ofInteger(-1), Value()}) {
         clsData item = list.AddItem({}, ptNumber, initial);
         item.setCurrentValue(Value::ofLong(99));
@@ -155,7 +163,8 @@ TEST(MemoryItem, InitialiseCopiesTheInitialValueWithItsType) {
 }
 
 TEST(MemoryItem, InitialAndCurrentValueAreIndependent) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem(u"x", ptNumber, Value::ofSingle(1));
     item.setCurrentValue(Value::ofSingle(2));
     EXPECT_EQ(show(item.InitialValue()), "s1");
@@ -169,7 +178,8 @@ class ValueChanges : public ::testing::Test {
 protected:
     RecordingListener recorder;
     EngineListener* listener = &recorder;
-    clsDataList list{listener};
+    SlabMemory memory;
+    clsDataList list{memory, listener};
 };
 
 TEST_F(ValueChanges, AreToldAtEachAssignmentOfTheCurrentValue) {
@@ -223,7 +233,8 @@ TEST_F(ValueChanges, AreToldAfterTheAssignmentAndMayAssignAgain) {
 // The list
 
 TEST(DataList, StartsEmpty) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     EXPECT_EQ(list.Count(), 0);
     EXPECT_EQ(list.EditableCount(), 0);
     EXPECT_EQ(list.undeclaredCount(), 0);
@@ -234,7 +245,8 @@ TEST(DataList, StartsEmpty) {
 }
 
 TEST(DataList, KeepsItemsInTheOrderOfAdding) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem().setIdentifier(u"first");
     list.AddItem(u"second", ptLabel, Value::ofLong(4));
     list.AddItem().setIdentifier(u"third");
@@ -249,7 +261,8 @@ TEST(DataList, KeepsItemsInTheOrderOfAdding) {
 }
 
 TEST(DataList, GetItemPtrCountsFromOneAndItemFromZero) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     const clsData first = list.AddItem();
     const clsData second = list.AddItem();
     EXPECT_EQ(list.GetItemPtr(1), list.Item(0));
@@ -259,7 +272,8 @@ TEST(DataList, GetItemPtrCountsFromOneAndItemFromZero) {
 }
 
 TEST(DataList, PositionsOutsideItAreInvalidArguments) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     EXPECT_EQ(errorOf([&] { list.Item(0); }), 5);
     EXPECT_EQ(errorOf([&] { list.GetItemPtr(1); }), 5);
     list.AddItem();
@@ -271,14 +285,16 @@ TEST(DataList, PositionsOutsideItAreInvalidArguments) {
 }
 
 TEST(DataList, KeepsTheEditableCountForItsOwner) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.setEditableCount(12);
     list.AddItem().setIsEditable(true);
     EXPECT_EQ(list.EditableCount(), 12);
 }
 
 TEST(DataList, KeepsWhatItemsAreThroughManyAdditions) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     const clsData early = list.AddItem(u"early", ptNumber, Value::ofSingle(7));
     const std::u16string_view name = early.Identifier();
     for (int i = 0; i < 5000; ++i) list.AddItem(u"later", ptString, Value::ofText(u"text"));
@@ -291,15 +307,17 @@ TEST(DataList, KeepsWhatItemsAreThroughManyAdditions) {
 // FindItem
 
 TEST(DataList, AnItemKnowsItsPosition) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     for (std::uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(list.AddItem().position(), i);
     for (std::uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(list.at(i).position(), i);
 }
 
 TEST(DataList, ALiteralIsANamelessConstantOfItsValue) {
-    clsDataList list;
-    const clsData number = list.AddLiteral(Value::ofSingle(2.5F));
-    const clsData text = list.AddLiteral(Value::ofText(u"two"));
+    SlabMemory memory;
+    clsDataList list(memory);
+    const clsData number = list.AddNumber(2.5F);
+    const clsData text = list.AddString(Text(u"two"));
     EXPECT_EQ(number.ParameterType(), ptConstant | ptNumber);
     EXPECT_EQ(text.ParameterType(), ptConstant | ptString);
     EXPECT_TRUE(number.Identifier().empty());
@@ -310,11 +328,12 @@ TEST(DataList, ALiteralIsANamelessConstantOfItsValue) {
 }
 
 TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteralOfAType) {
-    clsDataList list;
-    list.AddLiteral(Value::ofText(u"a"));
-    list.AddLiteral(Value::ofText(u"b"));
-    list.AddLiteral(Value::ofSingle(1));
-    list.AddLiteral(Value::ofSingle(2));
+    SlabMemory memory;
+    clsDataList list(memory);
+    list.AddString(Text(u"a"));
+    list.AddString(Text(u"b"));
+    list.AddNumber(1);
+    list.AddNumber(2);
     std::int32_t position = -1;
     EXPECT_TRUE(list.FindItem(u"", position, ptNumber));
     EXPECT_EQ(position, 2);
@@ -326,14 +345,16 @@ TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteralOfAType) {
 }
 
 TEST(FindItem, FindsANameInAnyCase) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"other", ptNumber, Value());
     list.AddItem(u"loop", ptNumber, Value());
     for (const std::u16string_view name : {u"LOOP", u"loop", u"Loop"}) EXPECT_EQ(lookUp(list, name), "1");
 }
 
 TEST(FindItem, TakesAnyItemUnlessAskedOtherwise) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     for (const std::int32_t type : {1, 2, 4, 8, 16, 130, 132}) {
         const std::string digits = std::to_string(type);
         const std::u16string name(digits.begin(), digits.end());
@@ -345,7 +366,8 @@ TEST(FindItem, TakesAnyItemUnlessAskedOtherwise) {
 }
 
 TEST(FindItem, WithTheLabelMaskSkipsAVariableOfThatName) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"loop", ptNumber, Value());
     EXPECT_EQ(lookUp(list, u"LOOP", 9), "none, 1");
     list.AddItem(u"Loop", ptLabel, Value::ofLong(3));
@@ -354,14 +376,16 @@ TEST(FindItem, WithTheLabelMaskSkipsAVariableOfThatName) {
 }
 
 TEST(FindItem, WithTheLabelMaskFindsAForwardReference) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"loop", ptString | ptConstant, Value());
     list.AddItem(u"loop", ptUndeclared, Value::ofInteger(-1));
     EXPECT_EQ(lookUp(list, u"loop", 9), "1");
 }
 
 TEST(FindItem, OneCommonBitOfTheMaskIsEnough) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"c", ptConstant | ptNumber, Value());
     for (const std::int32_t filter : {2, 128, 130, 255, 6, -1}) EXPECT_EQ(lookUp(list, u"c", filter), "0") << filter;
     for (const std::int32_t filter : {0, 1, 4, 8, 16, 64, 125}) {
@@ -370,7 +394,8 @@ TEST(FindItem, OneCommonBitOfTheMaskIsEnough) {
 }
 
 TEST(FindItem, FindsTheFirstOfSeveral) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"a", ptNumber, Value());
     list.AddItem(u"x", ptString, Value());
     list.AddItem(u"X", ptString, Value());
@@ -380,7 +405,8 @@ TEST(FindItem, FindsTheFirstOfSeveral) {
 }
 
 TEST(FindItem, ComparesTheWholeNameWithItsBlanks) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"Loop ", ptLabel, Value());
     for (const std::u16string_view name : {u"Loop", u"Loo", u" Loop ", u"Loop  "})
         EXPECT_EQ(lookUp(list, name), "none, 1") << toUtf8(name);
@@ -388,7 +414,8 @@ TEST(FindItem, ComparesTheWholeNameWithItsBlanks) {
 }
 
 TEST(FindItem, ComparesLettersBeyondAsciiInAnyCase) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"H\u00D6HE", ptNumber, Value());
     list.AddItem(u"\u03B1\u0431", ptNumber, Value());
     list.AddItem(u"stra\u00DFe", ptNumber, Value());
@@ -399,7 +426,8 @@ TEST(FindItem, ComparesLettersBeyondAsciiInAnyCase) {
 }
 
 TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteral) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"a", ptNumber, Value());
     list.AddItem(u"b", ptString, Value());
     list.AddItem(u"c", ptLabel, Value());
@@ -411,7 +439,8 @@ TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteral) {
 }
 
 TEST(FindItem, FollowsChangesOfNameAndType) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData first = list.AddItem(u"x", ptUndeclared, Value());
     list.AddItem(u"x", ptUndeclared, Value());
     EXPECT_EQ(lookUp(list, u"x", 1), "0");
@@ -427,10 +456,11 @@ TEST(FindItem, FollowsChangesOfNameAndType) {
 }
 
 TEST(FindItem, SeesALiteralThatWasAddedBehindAChangeOfName) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem(u"x", ptNumber, Value());
     item.setIdentifier(u"y");
-    list.AddLiteral(Value::ofSingle(1));
+    list.AddNumber(1);
     EXPECT_EQ(lookUp(list, u""), "1");
     EXPECT_EQ(lookUp(list, u"y"), "0");
     EXPECT_EQ(lookUp(list, u"x"), "none, 2");
@@ -444,7 +474,8 @@ TEST(FindItem, AgreesWithTheListAfterAnAdditionThatMemoryRefused) {
     for (std::int32_t i = 0; i < additions; ++i) names.push_back(u"Variable" + decimal(i));
     test::refuseEachRequest("additions", requestsTried, test::livingAllocations,
                             [&](std::size_t nth, test::Refused refused) {
-                                clsDataList list;
+                                SlabMemory memory;
+                                clsDataList list(memory);
                                 std::size_t requests = 0;
                                 {
                                     const test::MemoryFault fault(nth, refused);
@@ -466,7 +497,8 @@ TEST(FindItem, AgreesWithTheListAfterAnAdditionThatMemoryRefused) {
 }
 
 TEST(FindItem, FindsItemsOfUnusualTypes) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem(u"x", 64, Value());
     list.AddItem(u"x", ptNumber, Value());
     EXPECT_EQ(lookUp(list, u"x"), "0");
@@ -524,7 +556,8 @@ TEST(FindItem, AgreesWithAWalkOverTheItemsWhateverIsChanged) {
             if (withUnusualTypes && below(20) == 0) return unusual[below(unusual.size())];
             return usual[below(usual.size())];
         };
-        clsDataList list;
+        SlabMemory memory;
+        clsDataList list(memory);
         PlainList plain;
         for (int step = 0; step < 200; ++step) {
             const std::size_t action = plain.items.empty() ? 0 : below(6);
@@ -559,7 +592,8 @@ TEST(FindItem, AgreesWithAWalkOverTheItemsWhateverIsChanged) {
 // FindItemValue
 
 TEST(FindItemValue, FindsATextByValueTypeAndName) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"a", ptString, Value::ofText(u"red"));
     list.AddItem({}, ptConstant | ptString, Value::ofText(u"red"));
     list.AddItem({}, ptConstant | ptString, Value::ofText(u"red"));
@@ -568,7 +602,8 @@ TEST(FindItemValue, FindsATextByValueTypeAndName) {
 }
 
 TEST(FindItemValue, ComparesAllThreeExactly) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"Name", ptConstant | ptString, Value::ofText(u"Red"));
     EXPECT_EQ(lookUpValue(list, u"Name", u"Red", 132), "0");
     EXPECT_EQ(lookUpValue(list, u"name", u"Red", 132), "none, 1");
@@ -579,7 +614,8 @@ TEST(FindItemValue, ComparesAllThreeExactly) {
 }
 
 TEST(FindItemValue, NeverFindsANumber) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem({}, ptConstant | ptNumber, Value::ofSingle(2));
     list.AddItem({}, ptConstant | ptNumber, Value::ofInteger(2));
     list.AddItem({}, ptConstant | ptNumber, Value::ofLong(2));
@@ -588,7 +624,8 @@ TEST(FindItemValue, NeverFindsANumber) {
 }
 
 TEST(FindItemValue, LooksAtTheInitialValueOnly) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     clsData item = list.AddItem(u"x", ptString, Value::ofText(u"first"));
     item.setCurrentValue(Value::ofText(u"now"));
     EXPECT_EQ(lookUpValue(list, u"x", u"now", 4), "none, 1");
@@ -596,7 +633,8 @@ TEST(FindItemValue, LooksAtTheInitialValueOnly) {
 }
 
 TEST(FindItemValue, FindsTheEmptyText) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem({}, ptConstant | ptString, Value());
     list.AddItem({}, ptConstant | ptString, Value::ofText(u""));
     EXPECT_EQ(lookUpValue(list, u"", u"", 132), "1");
@@ -663,7 +701,8 @@ TEST_F(DataMemory, ALoadStartsANewList) {
 // The identifier table in the trace
 
 TEST(DebugPrint, TracesPositionNameTypeAndInitialValueOfEachItem) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"Limit", ptConstant | ptNumber, Value::ofSingle(2.5F)).setCurrentValue(Value::ofLong(9));
     list.AddItem({}, ptConstant | ptString, Value::ofText(u"text"));
     RecordingTrace trace;
@@ -672,7 +711,8 @@ TEST(DebugPrint, TracesPositionNameTypeAndInitialValueOfEachItem) {
 }
 
 TEST(DebugPrint, WritesNumbersAsTheUserDoes) {
-    clsDataList list;
+    SlabMemory memory;
+    clsDataList list(memory);
     list.AddItem(u"x", ptNumber, Value::ofSingle(2.5F));
     RecordingTrace trace;
     list.DebugPrint(trace, NumberLocale::commaDecimal());

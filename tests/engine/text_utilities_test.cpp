@@ -93,6 +93,45 @@ struct NumberCut {
     std::u16string_view rest;
 };
 
+TEST(FindEither, FindsTheFirstOfBothAtEveryPlaceOfTextsOfEveryLength) {
+    for (std::size_t length = 0; length <= 27; ++length) {
+        std::u16string text(length, u'a');
+        const char16_t* const begin = text.data();
+        const char16_t* const end = begin + length;
+        EXPECT_EQ(FindEither(begin, end, u',', u'"'), end);
+        for (std::size_t place = 0; place < length; ++place) {
+            for (const char16_t found : {u',', u'"'}) {
+                text.assign(length, u'a');
+                text[place] = found;
+                for (std::size_t later = place; later < length; ++later) {
+                    EXPECT_EQ(FindEither(begin, end, u',', u'"') - begin, static_cast<std::ptrdiff_t>(place))
+                        << length << ' ' << later;
+                    text[later] = u'"';
+                }
+            }
+        }
+    }
+}
+
+TEST(FindEither, LooksNoFurtherThanTheEnd) {
+    const std::u16string_view text = u"aaaaaaaaaaaaaaaaaaaaaa,";
+    for (std::size_t length = 0; length < text.size(); ++length)
+        EXPECT_EQ(FindEither(text.data(), text.data() + length, u',', u'"') - text.data(),
+                  static_cast<std::ptrdiff_t>(length));
+}
+
+TEST(NextPlainNumber, ReadsNothingBehindTheEndOfTheText) {
+    for (const std::u16string_view whole : {u"5 6", u"5,6", u"56", u"5.6", u"5x"}) {
+        std::u16string_view text = whole.substr(0, 1);
+        std::u16string_view token;
+        float number = -1;
+        EXPECT_TRUE(NextPlainNumber(text, token, number)) << toUtf8(whole);
+        EXPECT_EQ(token, u"5");
+        EXPECT_EQ(number, 5);
+        EXPECT_TRUE(text.empty()) << toUtf8(whole);
+    }
+}
+
 TEST(NextPlainNumber, TakesANumberWithItsBlanksAndItsSeparator) {
     const std::vector<NumberCut> cuts = {
         {u"5", u"5", 5, u""},

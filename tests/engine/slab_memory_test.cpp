@@ -1,0 +1,51 @@
+#include "engine/slab_memory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+TEST(SlabMemory, PiecesStayInPlaceAndDoNotOverlap) {
+    SlabMemory memory;
+    std::vector<std::pair<int*, std::size_t>> pieces;
+    for (std::size_t length = 1; length <= 600; ++length) {
+        int* const piece = memory.allocate<int>(length);
+        std::fill_n(piece, length, static_cast<int>(length));
+        pieces.emplace_back(piece, length);
+    }
+    for (const auto& [piece, length] : pieces)
+        EXPECT_TRUE(std::all_of(piece, piece + length, [wanted = static_cast<int>(length)](int element) {
+            return element == wanted;
+        })) << length;
+}
+
+TEST(SlabMemory, EveryPieceIsAligned) {
+    SlabMemory memory;
+    for (std::size_t length = 1; length < 20; ++length)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory.allocate<char>(length)) % SlabMemory::alignment, 0U);
+}
+
+TEST(SlabMemory, FillsASlabBeforeItTakesAnother) {
+    SlabMemory memory;
+    char* const first = memory.allocate<char>(SlabMemory::firstSlab - SlabMemory::alignment);
+    EXPECT_EQ(memory.allocate<char>(SlabMemory::alignment), first + SlabMemory::firstSlab - SlabMemory::alignment);
+    char* const next = memory.allocate<char>(1);
+    EXPECT_TRUE(next < first || next >= first + SlabMemory::firstSlab);
+}
+
+TEST(SlabMemory, GivesTheLargestPieceAtAnyTime) {
+    SlabMemory memory;
+    for (int i = 0; i < 200; ++i) {
+        memory.allocate<char>(1);
+        char* const piece = memory.allocate<char>(SlabMemory::firstSlab);
+        piece[0] = piece[SlabMemory::firstSlab - 1] = 'x';
+    }
+}
+
+}  // namespace
+}  // namespace corvane
