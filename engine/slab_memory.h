@@ -19,7 +19,6 @@ public:
 
     static constexpr std::size_t alignment = 8;
     static constexpr std::size_t firstSlab = std::size_t{1} << 15;
-    static constexpr std::size_t largestSlab = largePageSize;
 
     /// Uninitialised room for `count` elements, at most `firstSlab` bytes. Throws std::bad_alloc.
     template <typename Element>
