@@ -9,8 +9,8 @@
     do ACTION ...                 a call of the host, in order
     end
 
-Actions: load TEXT NAME UID VERSION, run, flag, edit INDEX BITS, value NAME, memory, state, kind N,
-list TIMES TEXT, sinks COUNT (from now on that many look on); inside an event also answer ARGUMENT VALUE, result FIELD VALUE (of a data set).
+Actions: load TEXT NAME UID VERSION, run, flag, edit INDEX BITS, value NAME, memory, state, kind N, list TIMES TEXT,
+sinks COUNT (so many look on from now); inside an event also answer ARGUMENT VALUE, result FIELD VALUE (of a data set).
 An event is answered with success unless an answer says otherwise.
 
 Texts are written $ and their characters, anything but visible ASCII as \\ and four hexadecimal digits. Values are
