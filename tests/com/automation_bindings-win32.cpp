@@ -101,6 +101,7 @@ private:
 class LateBoundControl final : public LoggedControl {
 public:
     void sinkTo(EventSink& sink) override { events_.sinkTo(sink); }
+    void onlookers(std::int32_t count) override { events_.onlookers(count); }
 
     void TestMode(bool mode) override { control_.put(u"TestMode", {Value::ofBoolean(mode)}); }
     void DebugMode(std::int32_t options) override { control_.put(u"DebugMode", {Value::ofLong(options)}); }

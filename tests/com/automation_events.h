@@ -14,9 +14,16 @@ public:
     AutomationEvents(IUnknown& control, DataSetAccess& dataSets)
         : dataSets_(dataSets),
           sink_([this](DISPID event, DISPPARAMS& arguments) { return dispatched(event, arguments); }),
+          control_(&control),
           advised_(control, sink_) {}
 
     void sinkTo(EventSink& sink) { receiver_ = &sink; }
+
+    void onlookers(std::int32_t count) {
+        onlookers_.resize(std::min<std::size_t>(onlookers_.size(), count));
+        while (onlookers_.size() < static_cast<std::size_t>(count))
+            onlookers_.push_back(std::make_unique<Advised>(*control_, onlooker_));
+    }
 
 private:
     HRESULT dispatched(DISPID event, DISPPARAMS& arguments) {
@@ -34,7 +41,10 @@ private:
     DataSetAccess& dataSets_;
     EventSink* receiver_ = nullptr;
     Sink sink_;
+    Sink onlooker_{[](DISPID, DISPPARAMS&) { return S_OK; }};
+    IUnknown* control_;
     Advised advised_;
+    std::vector<std::unique_ptr<Advised>> onlookers_;
 };
 
 inline Value valueOf(const VARIANT& variant) {

@@ -50,6 +50,7 @@ public:
 class EarlyBoundControl final : public LoggedControl {
 public:
     void sinkTo(EventSink& sink) override { events_.sinkTo(sink); }
+    void onlookers(std::int32_t count) override { events_.onlookers(count); }
 
     void TestMode(bool mode) override {
         VARIANT_BOOL value = variantBool(mode);

@@ -29,6 +29,9 @@ public:
 
     /// Who answers the events from now on; outlives the control.
     virtual void sinkTo(EventSink& sink) = 0;
+    /// How many further sinks there are from now on, which look on and answer nothing; the engine's own control has
+    /// none.
+    virtual void onlookers(std::int32_t) {}
 
     virtual void TestMode(bool mode) = 0;
     virtual void DebugMode(std::int32_t options) = 0;

@@ -9,8 +9,8 @@
     do ACTION ...                 a call of the host, in order
     end
 
-Actions: load TEXT NAME UID VERSION, run, flag, edit INDEX BITS, value NAME, memory, state, kind N,
-list TIMES TEXT; inside an event also answer ARGUMENT VALUE, result FIELD VALUE (of a data set).
+Actions: load TEXT NAME UID VERSION, run, flag, edit INDEX BITS, value NAME, memory, state, kind N, list TIMES TEXT,
+sinks COUNT (so many look on from now); inside an event also answer ARGUMENT VALUE, result FIELD VALUE (of a data set).
 An event is answered with success unless an answer says otherwise.
 
 Texts are written $ and their characters, anything but visible ASCII as \\ and four hexadecimal digits. Values are
@@ -188,6 +188,8 @@ class ScriptedHost:
             return f"= b:{control.run():d}"
         if name == "flag":
             control.finish_loop_flag()
+            return "="
+        if name == "sinks":
             return "="
         if name == "edit":
             return f"= b:{control.edit(int(words[0]), single_from_bits(words[1])):d}"

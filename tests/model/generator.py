@@ -369,6 +369,8 @@ class CaseMaker:
             self.rule()
         case.boxes = [rng.choice([6, 7, 7, 1, 2]) for _ in range(rng.randint(0, 4))]
         case.inputs = [self.input() for _ in range(rng.randint(0, 4))]
+        if self.plain:
+            self.onlookers()
         return case
 
     def script(self, length: int) -> str:
@@ -400,6 +402,16 @@ class CaseMaker:
         if what == "kind":
             return ["kind", str(rng.randint(-2, 55))]
         return [what]
+
+    def onlookers(self) -> None:
+        """Further sinks come and go, between the host's calls and inside events."""
+        rng, case = self.rng, self.case
+        for _ in range(rng.choice([0, 0, 1, 2])):
+            action = ["sinks", str(rng.randint(0, 3))]
+            if rng.random() < 0.5:
+                case.actions.insert(rng.randint(0, len(case.actions)), action)
+            else:
+                case.rules.append((rng.choice(self.events), rng.choice([0, 1, 2, 5]), action))
 
     def rule(self) -> None:
         rng = self.rng

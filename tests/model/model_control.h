@@ -45,6 +45,8 @@ public:
 
     virtual bool load(std::u16string_view text, std::u16string_view name, std::int32_t uid, std::int32_t version) = 0;
     virtual bool run() = 0;
+    /// See LoggedControl.
+    virtual void onlookers(std::int32_t count) = 0;
     virtual void finishLoopFlag() = 0;
     virtual bool edit(std::int32_t index, float value) = 0;
     virtual std::u16string environmentVariable(std::u16string_view name) = 0;

@@ -57,6 +57,7 @@ public:
     bool run() override {
         return asCall([&] { return control_->RunScript(); });
     }
+    void onlookers(std::int32_t count) override { control_->onlookers(count); }
     void finishLoopFlag() override {
         asCall([&] { control_->FinishLoopFlag(); });
     }

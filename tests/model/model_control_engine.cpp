@@ -63,6 +63,8 @@ public:
     }
     std::u16string kindName(std::int32_t kind) override { return std::u16string(control_.FunctionNameFromType(kind)); }
 
+    void onlookers(std::int32_t) override {}
+
     void logMemory() override {
         clsDataList& memory = control_.engine().DataMemory();
         operator_.log("= " + std::to_string(memory.Count()));

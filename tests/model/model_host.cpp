@@ -1,5 +1,5 @@
 // Plays cases, as cases.py describes them, and writes what a host sees: cases come in on the standard input, the log
-// goes out on the standard output.
+// goes out on the standard output. A line "measure" between two cases asks what the process holds.
 
 #include <bit>
 #include <cstdio>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/clsDataSetParameters.h"
+#include "tests/model/measurement.h"
 #include "tests/model/model_control.h"
 
 namespace corvane::testing {
@@ -216,6 +217,10 @@ private:
             const std::string constant = testing::written(control_->constant(key));
             return "= " + variable + " " + constant + " " + testing::written(control_->memoryValue(key));
         }
+        if (name == "sinks") {
+            control_->onlookers(readNumber(action[1]));
+            return "=";
+        }
         if (name == "memory") {
             control_->logMemory();
             return "=";
@@ -257,6 +262,9 @@ void playAll(std::istream& cases, std::ostream& log) {
             host.emplace(line);
         } else if (line == "end") {
             log << host.value().play() << std::flush;
+            host.reset();
+        } else if (line == "measure") {
+            log << measurement() << std::endl;
         } else {
             host.value().read(line);
         }
