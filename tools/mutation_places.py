@@ -250,7 +250,8 @@ class Finder:
                 self.add(cursor, "off by one", other + inner, f"({other}{inner})")
             elif text.endswith(sign.encode()):
                 self.add(cursor, "off by one", inner + other, f"({inner}{other})")
-        if text.startswith(b"!"):
+        # Where != is made of ==, the parser shows a negation that begins at the operator.
+        if text.startswith(b"!") and not text.startswith(b"!="):
             self.add(cursor, "comparison", inner, f"static_cast<bool>({inner})")
         elif re.match(rb"[-~](?!-)", text):
             self.add(cursor, "constant", inner, f"({inner})")
