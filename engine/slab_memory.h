@@ -24,6 +24,7 @@ public:
     template <typename Element>
     Element* allocate(std::size_t count) {
         static_assert(alignof(Element) <= alignment);
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are elements too
         const std::size_t size = (count * sizeof(Element) + alignment - 1) / alignment * alignment;
         if (size > left_) [[unlikely]]
             addSlab();
