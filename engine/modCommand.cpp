@@ -1,6 +1,7 @@
 #include "engine/modCommand.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <memory>
 
@@ -34,10 +35,18 @@ struct WrittenCatalogue {
 };
 
 thread_local std::unique_ptr<WrittenCatalogue> writtenCatalogue;
+// Whether any thread has one. Asked first, since a thread's own variables are dear where the compiler emulates them and
+// each statement of a load asks.
+std::atomic<bool> somebodyWrote = false;
 
 WrittenCatalogue& catalogueToWrite() {
     if (!writtenCatalogue) writtenCatalogue = std::make_unique<WrittenCatalogue>();
+    somebodyWrote.store(true, std::memory_order_relaxed);  // this thread sees it, and the others need not
     return *writtenCatalogue;
+}
+
+const WrittenCatalogue* presentCatalogue() {
+    return somebodyWrote.load(std::memory_order_relaxed) ? writtenCatalogue.get() : nullptr;
 }
 
 /// The published keywords, hashed: a load looks one up for each statement.
@@ -122,13 +131,13 @@ void SetParameterDefinition(std::int32_t kind, std::int32_t slot, std::int32_t p
 
 const FunctionDefinition& functionDefinition(std::int32_t kind) {
     const std::size_t index = subscript(kind, catalogueSize);
-    if (writtenCatalogue) return writtenCatalogue->records[index];
+    if (const WrittenCatalogue* written = presentCatalogue()) return written->records[index];
     return publishedDefinition(kind);
 }
 
 std::int32_t FunctionTypeFromName(std::u16string_view keyword) {
-    if (writtenCatalogue) {
-        const auto& records = writtenCatalogue->records;
+    if (const WrittenCatalogue* written = presentCatalogue()) {
+        const auto& records = written->records;
         const auto found = std::find_if(records.begin(), records.end(),
                                         [&](const auto& record) { return equalIgnoringCase(record.Name, keyword); });
         return found == records.end() ? ctUnknown : static_cast<std::int32_t>(found - records.begin());
