@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-// Large pages need a privilege here that programs do not have. Larger slabs the heap would take from the system and
-// give back each time, with all their pages.
-const std::size_t largestSlab = std::size_t{1} << 18;
+// Large pages need a privilege here that programs do not have. Larger pieces the heap gives back to the system when
+// they are freed, and the next load would touch each of their pages for the first time again.
+const std::size_t largestSlab = std::size_t{1} << 16;
 
 Slab allocateSlab(std::size_t size) { return Slab(static_cast<std::byte*>(::operator new(size)), SlabRelease{size}); }
 
