@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string>
@@ -101,7 +102,7 @@ TEST(FindEither, FindsTheFirstOfBothAtEveryPlaceOfTextsOfEveryLength) {
         EXPECT_EQ(FindEither(begin, end, u',', u'"'), end);
         for (std::size_t place = 0; place < length; ++place) {
             for (const char16_t found : {u',', u'"'}) {
-                text.assign(length, u'a');
+                std::fill(text.begin(), text.end(), u'a');
                 text[place] = found;
                 for (std::size_t later = place; later < length; ++later) {
                     EXPECT_EQ(FindEither(begin, end, u',', u'"') - begin, static_cast<std::ptrdiff_t>(place))
