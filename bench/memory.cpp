@@ -30,21 +30,25 @@ constexpr std::size_t mostAlignedPieces = 4096;
 AlignedPiece alignedPieces[mostAlignedPieces];
 std::size_t alignedCount = 0;
 
-std::size_t sizeOf(void* memory) {
+AlignedPiece* alignedPiece(void* memory) {
     AlignedPiece* const end = alignedPieces + alignedCount;
     AlignedPiece* const found =
         std::find_if(alignedPieces, end, [&](const AlignedPiece& piece) { return piece.memory == memory; });
-    return found != end ? found->size : malloc_usable_size(memory);
+    return found != end ? found : nullptr;
 }
-void* taken(void* memory) {
-    live += sizeOf(memory);
+void* taken(void* memory, std::size_t size) {
+    live += size;
     peak = std::max(peak, live);
     return memory;
 }
+void* taken(void* memory) { return taken(memory, malloc_usable_size(memory)); }
 void given(void* memory) {
-    live -= sizeOf(memory);
-    for (std::size_t i = 0; i < alignedCount; ++i)
-        if (alignedPieces[i].memory == memory) alignedPieces[i] = alignedPieces[--alignedCount];
+    if (AlignedPiece* const piece = alignedPiece(memory)) {
+        live -= piece->size;
+        *piece = alignedPieces[--alignedCount];
+    } else {
+        live -= malloc_usable_size(memory);
+    }
 }
 
 }  // namespace
@@ -58,8 +62,9 @@ extern "C" void* realloc(void* memory, std::size_t size) {
 extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) {
     if (alignedCount == mostAlignedPieces) return nullptr;
     void* const memory = __libc_memalign(alignment, size);
-    if (memory != nullptr) alignedPieces[alignedCount++] = {memory, size};
-    return taken(memory);
+    if (memory == nullptr) return nullptr;
+    alignedPieces[alignedCount++] = {memory, size};
+    return taken(memory, size);
 }
 extern "C" void free(void* memory) {
     given(memory);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -40,11 +41,16 @@ TEST(SlabMemory, FillsASlabBeforeItTakesAnother) {
 
 TEST(SlabMemory, GivesTheLargestPieceAtAnyTime) {
     SlabMemory memory;
-    for (int i = 0; i < 200; ++i) {
-        memory.allocate<char>(1);
-        char* const piece = memory.allocate<char>(SlabMemory::firstSlab);
-        piece[0] = piece[SlabMemory::firstSlab - 1] = 'x';
+    std::vector<char*> pieces;
+    for (char mark = 0; mark < 100; ++mark) {
+        *memory.allocate<char>(1) = 'x';
+        pieces.push_back(memory.allocate<char>(SlabMemory::firstSlab));
+        std::fill_n(pieces.back(), SlabMemory::firstSlab, mark);
     }
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+        EXPECT_EQ(std::count(pieces[i], pieces[i] + SlabMemory::firstSlab, static_cast<char>(i)),
+                  static_cast<std::ptrdiff_t>(SlabMemory::firstSlab))
+            << i;
 }
 
 }  // namespace
