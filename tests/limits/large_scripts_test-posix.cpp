@@ -1,5 +1,5 @@
-// Scripts far beyond what a host loads, each in a process that gets little more memory than the script must have: what
-// would take a copy too many, or grow with the square of the length, does not pass.
+// Scripts far beyond what a host loads, each in a process that gets little more address space than the script must
+// have: what would take a copy too many, or grow with the square of the length, does not pass.
 
 #include <gtest/gtest.h>
 
@@ -111,7 +111,7 @@ std::u16string repeated(std::u16string_view text, std::size_t count) {
 
 TEST(LargeScripts, AMillionLinesAreLoadedAndRun) {
     const std::u16string script = u"VAR N = 0\r\n" + repeated(u"Set(N, 1.5)\r\n", million);
-    EXPECT_EQ(inLimitedProcess(64, [&] { return ToldControl().load(script).run().story(); }), "True; True; ");
+    EXPECT_EQ(inLimitedProcess(144, [&] { return ToldControl().load(script).run().story(); }), "True; True; ");
 }
 
 TEST(LargeScripts, AMillionNamesAreFound) {
@@ -119,18 +119,18 @@ TEST(LargeScripts, AMillionNamesAreFound) {
         lines(million, [](const std::u16string& n) { return u"VAR Name" + n + u" = " + n + u"\n"; }) +
         lines(million, [](const std::u16string& n) { return u"Increment(NAME" + n + u")\n"; });
     const auto work = [&] { return ToldControl().load(script).run().value(u"name999999").story(); };
-    EXPECT_EQ(inLimitedProcess(192, work), "True; True; 999999; ");
+    EXPECT_EQ(inLimitedProcess(320, work), "True; True; 999999; ");
 }
 
 TEST(LargeScripts, AMillionLabelsAreResolved) {
     const std::u16string script = lines(million, [](const std::u16string& n) { return u"Goto(Label" + n + u")\n"; }) +
                                   lines(million, [](const std::u16string& n) { return u"Label" + n + u":\n"; });
-    EXPECT_EQ(inLimitedProcess(192, [&] { return ToldControl().load(script).run().story(); }), "True; True; ");
+    EXPECT_EQ(inLimitedProcess(320, [&] { return ToldControl().load(script).run().story(); }), "True; True; ");
 }
 
 TEST(LargeScripts, TheFirstOfAMillionUndefinedLabelsIsTold) {
     const std::u16string script = lines(million, [](const std::u16string& n) { return u"Goto(Label" + n + u")\n"; });
-    EXPECT_EQ(inLimitedProcess(192, [&] { return ToldControl().load(script).story(); }),
+    EXPECT_EQ(inLimitedProcess(320, [&] { return ToldControl().load(script).story(); }),
               "False; Syntax Error on Line 1000001: Undefined Label: Label0; ");
 }
 

@@ -6,8 +6,8 @@
 
 namespace corvane::testing {
 
-/// What `work` answers in a process of its own, which gets `megabytes` more of memory than the test has, and a
-/// minute. A process that ended otherwise answers "signal NUMBER" or "exception: TEXT".
+/// What `work` answers in a process of its own, which gets `megabytes` more of address space than the test has,
+/// and a minute. A process that ended otherwise answers "signal NUMBER" or "exception: TEXT".
 std::string inLimitedProcess(std::size_t megabytes, const std::function<std::string()>& work);
 
 }  // namespace corvane::testing
