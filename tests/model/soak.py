@@ -25,6 +25,8 @@ from values import LOCALES
 
 # The platform's own tables grow now and then, and what is free in a heap lies differently each time.
 TOLERATED_GROWTH = {"heap": 64 * 1024, "private": 1024 * 1024 - 1}
+# Until then something is still done for the first time, however slow the machine is.
+WARMING_CASES = 1000
 COUNTED = {"loads": "> load", "runs": "> run", "listings": "> list", "statements": " e FunctionCalled "}
 
 
@@ -99,10 +101,13 @@ class Soak:
         self.measurements = 0
 
     def run(self) -> None:
-        start = time.monotonic()
         seconds = self.options.seconds
-        host = Host(self.options.host, seconds + 120)
+        host = Host(self.options.host, seconds + 240)
+        host.measure()  # what answers has started, which may take long
+        start = time.monotonic()
         self.play_until(host, start + min(seconds / 3, 300))
+        while self.next < self.options.first + WARMING_CASES:
+            self.play_next(host)
         self.first = self.last = host.measure()
         while time.monotonic() < start + seconds:
             self.play_until(host, min(time.monotonic() + max(seconds / 60, 1), start + seconds))
@@ -113,10 +118,13 @@ class Soak:
 
     def play_until(self, host: Host, end: float) -> None:
         while time.monotonic() < end:
-            log = host.play(make_case(self.options.seed, self.next, self.options.plain))
-            self.next += 1
-            for name, beginning in COUNTED.items():
-                self.counts[name] += sum(line.startswith(beginning) for line in log)
+            self.play_next(host)
+
+    def play_next(self, host: Host) -> None:
+        log = host.play(make_case(self.options.seed, self.next, self.options.plain))
+        self.next += 1
+        for name, beginning in COUNTED.items():
+            self.counts[name] += sum(line.startswith(beginning) for line in log)
 
     def report(self) -> None:
         done = ", ".join(f"{count:,} {name}" for name, count in self.counts.items())
