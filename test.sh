@@ -1,19 +1,25 @@
 #!/usr/bin/env bash
 # Builds everything and passes every test and check; sets up the machine first.
 #
-#   ./test.sh [--long] [STEP...]
+#   ./test.sh [--long | --ci] [STEP...]
 #
 # Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint coverage fuzz same-build;
-# without names, all but the last three, which --long adds. A failed step does not keep the others from running. --long
-# sets CORVANE_LONG=1, which every test program and every step may read to do its long version.
+# without names, all but the last three. --ci adds coverage and fuzz, whose builds take longer than what they run, and
+# --long all three. A failed step does not keep the others from running. --long sets CORVANE_LONG=1, which every test
+# program and every step may read to do its long version.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
 
 steps=()
+added=()
 for argument in "$@"; do
     case $argument in
-        --long) export CORVANE_LONG=1 ;;
+        --long)
+            export CORVANE_LONG=1
+            added=(coverage fuzz same-build)
+            ;;
+        --ci) added=(coverage fuzz) ;;
         format | tree | native-debug | native-release | windows-x64 | windows-x86 | command | speed | coverage | lint | \
             fuzz | same-build)
             steps+=("$argument")
@@ -25,8 +31,7 @@ for argument in "$@"; do
     esac
 done
 if [ ${#steps[@]} = 0 ]; then
-    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint)
-    if [ -n "${CORVANE_LONG:-}" ]; then steps+=(coverage fuzz same-build); fi
+    steps=(format tree native-debug native-release windows-x64 windows-x86 command speed lint "${added[@]}")
 fi
 
 logs=build/test-logs
