@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <random>
+#include <utility>
 
 #include "host/com/clsScriptControl_com.h"
 #include "tests/com/held_sink.h"
@@ -22,8 +23,16 @@ protected:
     int living = 0;
     ComReference<_clsScriptControl> control = newControl();
     Events events;
+    Events undisturbed;  ///< what a host is told that only answers
     int acted = 0;
 
+    void SetUp() override {
+        ComponentTest::SetUp();
+        EXPECT_EQ(performActingIn(37, [] {}), (RunResult{S_OK, VARIANT_TRUE}));
+        undisturbed = std::exchange(events, {});
+        acted = 0;
+        control = newControl();
+    }
     void TearDown() override {
         control = {};
         EXPECT_EQ(living, 0) << "sinks that nobody released";
@@ -51,24 +60,16 @@ protected:
         EXPECT_EQ(acted > 0, true) << rowOf(when).name << " was not raised";
         return ended;
     }
-    const Events& undisturbed() {
-        static const Events all = [this] {
-            EXPECT_EQ(performActingIn(37, [] {}), (RunResult{S_OK, VARIANT_TRUE}));
-            return events;
-        }();
-        return all;
-    }
 };
 
 constexpr RunResult ranToItsEnd{S_OK, VARIANT_TRUE};
 
 TEST_F(Lifetimes, TheLastReferenceMayGoInsideEachEvent) {
-    const Events all = undisturbed();
     for (const DISPID when : scriptEvents) {
         const RunResult ended = performActingIn(when, [this] { control = {}; });
         if (!isDeclaration(when)) {
             EXPECT_EQ(ended, ranToItsEnd) << rowOf(when).name;
-            EXPECT_EQ(events, all);
+            EXPECT_EQ(events, undisturbed);
         }
         EXPECT_EQ(living, 0) << "the control did not go with the call";
         EXPECT_EQ(canUnloadNow(), S_OK) << rowOf(when).name;
@@ -94,13 +95,12 @@ TEST_F(Lifetimes, ASinkMayUnadviseItselfAndLetEverythingGo) {
 }
 
 TEST_F(Lifetimes, ALoadInsideARunIsTakenOverAtTheSamePlace) {
-    const Events all = undisturbed();
     for (const DISPID when : scriptEvents) {
         if (isDeclaration(when)) continue;
         const RunResult ended = performActingIn(when, [this] { EXPECT_TRUE(load(*control.get(), everyEventScript)); });
         EXPECT_EQ(ended, ranToItsEnd) << rowOf(when).name;
         // The second load's declarations, and otherwise the same.
-        Events expected = all;
+        Events expected = undisturbed;
         expected.insert(std::find(expected.begin(), expected.end(), when) + 1, {38, 39, 40, 40});
         EXPECT_EQ(events, expected) << rowOf(when).name;
     }
@@ -130,7 +130,7 @@ TEST_F(Lifetimes, ALoadInsideALoadIsRefused) {
             EXPECT_EQ(takeError().description, "A script is being loaded; another load cannot begin");
         });
         EXPECT_EQ(ended, ranToItsEnd);
-        EXPECT_EQ(events, undisturbed());
+        EXPECT_EQ(events, undisturbed);
     }
 }
 
@@ -141,7 +141,7 @@ TEST_F(Lifetimes, ARunInsideARunIsRefused) {
             EXPECT_EQ(run(*control.get()).result, automationError(isDeclaration(when) ? 9 : 5));
         });
         EXPECT_EQ(ended, ranToItsEnd) << rowOf(when).name;
-        EXPECT_EQ(events, undisturbed());
+        EXPECT_EQ(events, undisturbed);
     }
 }
 
@@ -167,7 +167,7 @@ TEST_F(Lifetimes, TheDataMemoryMayBeEditedInsideEachEvent) {
             EXPECT_EQ(control->FinishLoopFlag(), S_OK);
         });
         EXPECT_EQ(ended, ranToItsEnd) << rowOf(when).name;
-        EXPECT_EQ(events, undisturbed());
+        EXPECT_EQ(events, undisturbed);
         HostText flag(u"FINISH_LOOP_FLAG");
         BSTR value = nullptr;
         EXPECT_EQ(control->GetEnvironmentVariable(flag.address(), &value), S_OK);
@@ -189,8 +189,8 @@ TEST_F(Lifetimes, ASecondControlMayLiveInsideEachEvent) {
             EXPECT_EQ(run(*another.get()), ranToItsEnd);
         });
         EXPECT_EQ(ended, ranToItsEnd) << rowOf(when).name;
-        EXPECT_EQ(second, static_cast<int>(undisturbed().size()));
-        EXPECT_EQ(events, undisturbed());
+        EXPECT_EQ(second, static_cast<int>(undisturbed.size()));
+        EXPECT_EQ(events, undisturbed);
         EXPECT_EQ(living, 1) << "the second control's sink went with it";
     }
 }

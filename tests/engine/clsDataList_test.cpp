@@ -304,8 +304,6 @@ TEST(DataList, KeepsWhatItemsAreThroughManyAdditions) {
     EXPECT_EQ(early, list.Item(0));
 }
 
-// FindItem
-
 TEST(DataList, AnItemKnowsItsPosition) {
     SlabMemory memory;
     clsDataList list(memory);
@@ -326,6 +324,25 @@ TEST(DataList, ALiteralIsANamelessConstantOfItsValue) {
     EXPECT_EQ(number.CurrentValue().type(), ValueType::Integer);
     EXPECT_EQ(list.Count(), 2);
 }
+
+TEST(DataList, GivesBackTheTextsThatItHeld) {
+    const std::size_t living = test::livingAllocations();
+    {
+        SlabMemory memory;
+        clsDataList list(memory);
+        for (int i = 0; i < 600; ++i) {
+            clsData item = list.AddItem(u"name", ptString, Value::ofText(u"first"));
+            item.setInitialValue(Value::ofText(u"second"));
+            item.setCurrentValue(Value::ofText(u"third"));
+            item.setUnits(u"words");
+            list.AddString(Text(u"literal"));
+        }
+        list.InitialiseData();
+    }
+    EXPECT_EQ(test::livingAllocations(), living);
+}
+
+// FindItem
 
 TEST(FindItem, WithTheEmptyNameFindsTheFirstLiteralOfAType) {
     SlabMemory memory;

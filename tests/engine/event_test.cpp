@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/clsDataSetParameters.h"
+#include "tests/allocation_counter.h"
 #include "tests/support/engine_fixture.h"
 
 namespace corvane {
@@ -204,6 +205,13 @@ TEST(Event, CannotBeMadeWithAnArgumentOfAnotherType) {
                   const Event event(HostEvent::WaitTime, {Value::ofSingle(1), Value::ofSingle(2)});
               }),
               "event WaitTime, argument tMessage: wrong type");
+}
+
+TEST(Event, GivesBackWhatItsArgumentsHeld) {
+    withEveryEvent([](Event&) {});  // what is only made once
+    const std::size_t living = test::livingAllocations();
+    withEveryEvent([](Event&) {});
+    EXPECT_EQ(test::livingAllocations(), living);
 }
 
 TEST(Event, HandsOverTheVeryObject) {
