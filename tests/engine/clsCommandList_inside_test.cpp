@@ -398,6 +398,13 @@ TEST_F(BuiltInStatement, ComparisonsSeeATextThatSetPutIntoANumericVariable) {
     EXPECT_EQ(std::count(owner.lines.begin(), owner.lines.end(), "Park()"), 0);
 }
 
+TEST_F(BuiltInStatement, AComparisonDoesNotLookAtTheLabelThatAHostEdited) {
+    ASSERT_TRUE(load(u"IfEqual(2, 1, End)\nPark()\nEnd:\nEndTest()"));
+    item(u"End").setInitialValue(Value::ofSingle(2));
+    EXPECT_TRUE(engine.ExecuteList());
+    EXPECT_EQ(owner.lines, (Lines{"Park()", "EndTest()"}));
+}
+
 TEST_F(BuiltInStatement, ComparisonsChangeNoOperand) {
     EXPECT_TRUE(run(u"VAR A = 1\nVAR B\nIfLessThan(A, B, End)\nEnd:"));
     EXPECT_EQ(current(u"A"), "s1");

@@ -1,7 +1,8 @@
 """Cases: what a host does with one script, as text that this program and the native host both read.
 
     case NAME LOCALE FLAGS        LOCALE point or comma; FLAGS of the letters t (trace), p (parameter trace too),
-                                  l (listener), d (designed member access), u (no operator), c (pumps not seen), or -
+                                  l (listener), d (designed member access), u (no operator), c (pumps not seen),
+                                  b (the host binds late), or -
     limit N                       KeepGoing is answered with false from its N-th time within one `do` on
     on EVENT NTH ACTION ...       what the host does inside an event; NTH counts from 1 through the case, 0 is always
     box BUTTON                    the next message box is answered so; when none is left, with Yes

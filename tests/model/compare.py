@@ -31,7 +31,8 @@ SHOWN = 3
 
 
 def host_logs(host: list[str], cases: list[Case], seconds: int, meanwhile=None) -> list[list[str]]:
-    """What the host logs of each case; a host that dies or hangs leaves the rest without a log."""
+    """What the host logs of each case; a host that dies or hangs leaves the rest without a log,
+    and what it complains of at its end stands in the last one."""
     with tempfile.TemporaryFile("w+") as given, tempfile.TemporaryFile("w+", errors="replace") as logged:
         for case in cases:
             given.write("\n".join(case.lines()) + "\n")
@@ -48,6 +49,8 @@ def host_logs(host: list[str], cases: list[Case], seconds: int, meanwhile=None) 
             process.kill()
             process.communicate()
             complaint = "no end in time"
+        if process.returncode:
+            complaint += f"\nexit status {process.returncode}"
         logged.seek(0)
         logs: list[list[str]] = []
         for line in logged.read().splitlines():
@@ -56,7 +59,9 @@ def host_logs(host: list[str], cases: list[Case], seconds: int, meanwhile=None) 
             if logs:
                 logs[-1].append(line)
     if len(logs) < len(cases):
-        logs.append(["the host ended", *complaint.splitlines()[:20]])
+        logs.append([])
+    if process.returncode or not all(logs):
+        logs[-1] += ["the host ended", *complaint.splitlines()[-20:]]
     return logs + [[] for _ in range(len(cases) - len(logs))]
 
 

@@ -479,6 +479,8 @@ def make_case(seed: int, number: int, plain_locale: str | None = None) -> Case:
     case = CaseMaker(seed, number, plain_locale is not None).make()
     if plain_locale:
         case.locale = plain_locale
+        if number % 2:
+            case.flags += "b"
         if f"! {RUNAWAY}" in play(case):  # nobody stops a listing without end
             case.actions = [action for action in case.actions if action[0] != "list"]
     return case

@@ -25,6 +25,7 @@ struct CaseSettings {
     bool traceParameters = false;
     bool listened = false;    ///< the engine's notices are logged
     bool unattended = false;  ///< nobody answers dialogs
+    bool lateBound = false;   ///< an automation host calls members by name, where it can
 };
 
 /// How a control that is played with reaches the case.

@@ -1,5 +1,5 @@
-// The cases' control as automation hosts reach it, each way in turn. Nobody answers its dialogs, and what only the
-// engine's own host can see stays out of the log.
+// The cases' control as automation hosts reach it, the way that the case says. Nobody answers its dialogs, and what
+// only the engine's own host can see stays out of the log.
 
 #include "host/com/com_variant.h"
 #include "tests/com/automation_events.h"
@@ -22,10 +22,9 @@ void check(HRESULT result) {
     if (FAILED(result)) throw CallFailed{errorNumberOf(result)};
 }
 
-std::unique_ptr<LoggedControl> nextControl() {
-    static const std::vector<Binding> bindings = automationBindings();
-    static std::size_t next = 0;
-    return bindings[next++ % bindings.size()].make();
+std::unique_ptr<LoggedControl> controlOf(const CaseSettings& settings) {
+    static const std::vector<Binding> bindings = automationBindings();  // the latest last
+    return (settings.lateBound ? bindings.back() : bindings.front()).make();
 }
 
 std::string writtenFunction(_clsProgramFunction& function) {
@@ -46,7 +45,8 @@ std::string writtenFunction(_clsProgramFunction& function) {
 
 class ComponentControl final : public ModelControl {
 public:
-    ComponentControl(EventSink& sink, CaseOperator& caseOperator) : operator_(caseOperator) {
+    ComponentControl(const CaseSettings& settings, EventSink& sink, CaseOperator& caseOperator)
+        : operator_(caseOperator), control_(controlOf(settings)) {
         control_->sinkTo(sink);
         control_->DebugMode(0);
     }
@@ -114,13 +114,14 @@ private:
     }
 
     CaseOperator& operator_;
-    std::unique_ptr<LoggedControl> control_ = nextControl();
+    std::unique_ptr<LoggedControl> control_;
 };
 
 }  // namespace
 
-std::unique_ptr<ModelControl> makeModelControl(const CaseSettings&, EventSink& sink, CaseOperator& caseOperator) {
-    return std::make_unique<ComponentControl>(sink, caseOperator);
+std::unique_ptr<ModelControl> makeModelControl(const CaseSettings& settings, EventSink& sink,
+                                               CaseOperator& caseOperator) {
+    return std::make_unique<ComponentControl>(settings, sink, caseOperator);
 }
 
 }  // namespace corvane::testing

@@ -99,7 +99,8 @@ public:
                      .traced = flagged('t'),
                      .traceParameters = flagged('p'),
                      .listened = flagged('l'),
-                     .unattended = flagged('u')};
+                     .unattended = flagged('u'),
+                     .lateBound = flagged('b')};
         log("case " + std::string(words[1]));
     }
 

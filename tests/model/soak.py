@@ -27,6 +27,7 @@ from values import LOCALES
 TOLERATED_GROWTH = {"heap": 64 * 1024, "private": 1024 * 1024 - 1}
 # Until then something is still done for the first time, however slow the machine is.
 WARMING_CASES = 1000
+FEWEST_MEASUREMENTS = 5  # after it
 COUNTED = {"loads": "> load", "runs": "> run", "listings": "> list", "statements": " e FunctionCalled "}
 
 
@@ -109,8 +110,8 @@ class Soak:
         while self.next < self.options.first + WARMING_CASES:
             self.play_next(host)
         self.first = self.last = host.measure()
-        while time.monotonic() < start + seconds:
-            self.play_until(host, min(time.monotonic() + max(seconds / 60, 1), start + seconds))
+        while time.monotonic() < start + seconds or self.measurements < FEWEST_MEASUREMENTS:
+            self.play_until(host, time.monotonic() + max(seconds / 60, 1))
             self.last = host.measure()
             self.measurements += 1
             expect_nothing_left(self.first, self.last)
