@@ -6,7 +6,7 @@
 # Steps: format tree native-debug native-release windows-x64 windows-x86 command speed lint coverage fuzz same-build;
 # without names, all but the last three. --ci adds coverage and fuzz, whose builds take longer than what they run, and
 # --long all three. A failed step does not keep the others from running. --long sets CORVANE_LONG=1, which every test
-# program and every step may read to do its long version.
+# program and every step may read to do its long version; interrupted, it goes on with the steps that have not passed.
 set -uo pipefail
 exec </dev/null
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
@@ -133,9 +133,31 @@ lint() {
     tools/lint build/native-debug
 }
 
+# What the long steps have passed on; another tree begins anew.
+treeState() {
+    {
+        git rev-parse HEAD
+        git diff HEAD
+        git ls-files -z --others --exclude-standard | xargs -0 -r sha256sum
+    } | sha256sum
+}
+
+longPassed=$logs/long-passed
+isPassed() {
+    [ -n "${CORVANE_LONG:-}" ] && grep -qsxF "$1 $(treeState)" "$longPassed"
+}
+rememberPassed() {
+    if [ -n "${CORVANE_LONG:-}" ]; then echo "$1 $(treeState)" >>"$longPassed"; fi
+}
+
 trap stopWine EXIT
 check 'set-up' tools/setup.sh all
 for step in "${steps[@]}"; do
+    if isPassed "$step"; then
+        echo "$step has passed"
+        continue
+    fi
+    failedBefore=$failed
     case $step in
         format) check 'format' checkFormat ;;
         tree)
@@ -154,11 +176,14 @@ for step in "${steps[@]}"; do
         native-release) buildAndTest native-release test_limits ;;
         *) buildAndTest "$step" ;;
     esac
+    if [ "$failed" = "$failedBefore" ]; then rememberPassed "$step"; fi
 done
 
 echo
 if [ "$failed" != 0 ]; then
     printf 'failed: %s\n' "${failures[@]}"
+else
+    rm -f "$longPassed"
 fi
 echo "$passed passed, $failed failed"
 [ "$failed" = 0 ]
