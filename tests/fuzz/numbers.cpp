@@ -68,7 +68,9 @@ void checkWayBack(float number, const NumberLocale& locale) {
                 "every single but the least comes back from its text");
         return;
     }
-    const double tolerance = std::max(5.1e-7 * std::abs(static_cast<double>(number)), 1e-45);
+    // Half of the seventh digit's place, and half of a single's last place.
+    constexpr double nearest = 0.5e-6 + 0x1p-24;
+    const double tolerance = std::max(nearest * std::abs(static_cast<double>(number)), 1e-45);
     require(std::abs(static_cast<double>(back.value->single()) - number) <= tolerance, "a single is near its text");
 }
 
