@@ -319,6 +319,17 @@ TEST_F(HostStatement, ALongArgumentBeyond32BitsIsError6AndRaisesNothing) {
     }
 }
 
+TEST_F(HostStatement, OfTwoArgumentsThatFailTheFirstTellsTheError) {
+    ASSERT_TRUE(load(u"VAR Height\nVAR Angle\nMoveToHeight(Height, 0, Angle, 0)"));
+    item(u"Height").setInitialValue(Value::ofText(u"x"));
+    item(u"Angle").setInitialValue(Value::ofText(u"1E39"));
+    EXPECT_EQ(errorOf([&] { engine.ExecuteList(); }), 13);
+    item(u"Height").setInitialValue(Value::ofText(u"1E39"));
+    item(u"Angle").setInitialValue(Value::ofText(u"x"));
+    EXPECT_EQ(errorOf([&] { engine.ExecuteList(); }), 6);
+    EXPECT_EQ(owner.lines.size(), 2U) << "but for the declarations there is no event";
+}
+
 TEST_F(HostStatement, NumbersOfEveryTypeFillASingleArgument) {
     struct Row {
         const char* name;

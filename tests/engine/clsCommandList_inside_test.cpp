@@ -797,6 +797,25 @@ TEST_F(InputNumber, AVariableThatHoldsNoNumberIsError13) {
     EXPECT_TRUE(dialogs.inputs.empty());
 }
 
+TEST_F(InputNumber, TheLimitsAreReadBeforeTheVariable) {
+    struct Row {
+        const char16_t* n;
+        const char16_t* low;
+        const char16_t* high;
+        int error;
+    };
+    const Row rows[] = {
+        {u"x", u"1E39", u"9", 6}, {u"x", u"1", u"1E39", 6}, {u"1", u"x", u"1E39", 13}, {u"1", u"1E39", u"x", 6}};
+    ASSERT_TRUE(load(u"VAR N\nVAR Low\nVAR High\nInputNumber(\"?\", N, Low, High)"));
+    for (const Row& row : rows) {
+        item(u"N").setInitialValue(Value::ofText(row.n));
+        item(u"Low").setInitialValue(Value::ofText(row.low));
+        item(u"High").setInitialValue(Value::ofText(row.high));
+        EXPECT_EQ(errorOf([&] { engine.ExecuteList(); }), row.error) << &row - rows;
+    }
+    EXPECT_EQ(owner.lines.size(), 3U) << "but for the declarations there is no event";
+}
+
 // InputString
 
 using InputString = BuiltInStatement;

@@ -199,6 +199,20 @@ TEST_F(ProgramFunctionList, ErrorsOfALoadPassToTheCaller) {
     EXPECT_EQ(list.FunctionList()->Count(), 0) << "the new listing had begun";
 }
 
+TEST_F(ProgramFunctionList, ALoadThatEndsInAnErrorLeavesScriptLoadedAndStartsOver) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(load(u"VAR A = 1\nPark()"));
+    const Reference<FunctionCollection> before = list.FunctionList();
+    expectAutomationError([&] { list.LoadProgramScript_FromFile(folder.path("nowhere/a.script").u16string()); },
+                          ErrorNumber::PathNotFound, "a.script");
+    EXPECT_TRUE(list.ScriptLoaded()) << "only a load that returned assigns it";
+    EXPECT_NE(list.FunctionList(), before);
+    EXPECT_EQ(list.FunctionList()->Count(), 0);
+    EXPECT_EQ(errorOf([&] { list.CreateFunctionList(functions); }), 9) << "the new control has no statement";
+    EXPECT_FALSE(functions);
+    EXPECT_EQ(before->Count(), 1);
+}
+
 TEST_F(ProgramFunctionList, ErrorsOfARunPassToTheCallerAndLeaveTheEntries) {
     EXPECT_TRUE(load(u"VAR N = 1\nPark()\nSet(N, \"x\")\nIncrement(N)\nEndTest()"));
     EXPECT_EQ(errorOf([&] { list.CreateFunctionList(functions); }), 13);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/limits/limited_process-posix.h"
 #include "tests/limits/script_file.h"
 #include "tests/platform/ordinary_user-posix.h"
 
@@ -15,7 +16,8 @@ TEST_F(ScriptFiles, AFileOf3GBIsRefusedUnread) {
     const TemporaryFolder folder;
     const auto path = folder.write("huge.script", "");
     std::filesystem::resize_file(path, std::uintmax_t{3} << 30);
-    EXPECT_EQ(loadFile(*newControl().get(), path.u16string()),
+    const auto load = [&] { return loadFile(*newControl().get(), path.u16string()); };
+    EXPECT_EQ(inLimitedProcess(100, load),
               errorOf("7: Out of memory", path.u16string()) + " is larger than a text can be");
 }
 

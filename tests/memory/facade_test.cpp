@@ -12,8 +12,10 @@
 
 #include "cli/host_answers.h"
 #include "cli/run_dialogs.h"
+#include "engine/clsCommand.h"
 #include "host/clsProgramFunctionList.h"
 #include "host/clsScriptControl.h"
+#include "platform/slab.h"
 #include "tests/allocation_counter.h"
 #include "tests/cli/script_runs.h"
 #include "tests/memory/every_request.h"
@@ -225,9 +227,10 @@ protected:
     /// `prepare` brings the scene to where `work` is done with every request for memory refused in turn. `work` ends in
     /// what `expected` accepts where a request was refused, and as undisturbed where none was.
     template <typename Prepare, typename Work>
-    void refuseEach(const std::string& name, Prepare&& prepare, Work&& work, bool mayAnswerFalse = false) {
+    void refuseEach(const std::string& name, Prepare&& prepare, Work&& work, bool mayAnswerFalse = false,
+                    std::size_t mostTried = requestsTried) {
         static const std::string nextLog = undisturbed(nextScript());
-        test::refuseEachRequest(name, requestsTried, test::livingAllocations, [&](std::size_t nth, Refused refused) {
+        test::refuseEachRequest(name, mostTried, test::livingAllocations, [&](std::size_t nth, Refused refused) {
             std::size_t requests = 0;
             {
                 Scene scene(GetParam());
@@ -287,6 +290,25 @@ TEST_P(MemoryRunsOut, InALoad) {
     refuseEach(
         "load", nothing, [](Scene& scene) { return scene.load(); }, true);
 }
+
+/// So many statements that their slabs grow to the largest there are: all smaller ones hold a third of that.
+Case manyLines() {
+    const std::size_t lines = largestSlab / 2 / sizeof(clsCommand);
+    Case made{"many_lines", u"VAR N = 0\n", {}, NumberLocale::pointDecimal(), {}};
+    for (std::size_t i = 0; i < lines; ++i) made.text += u"Set(N, 1.5)\n";
+    return made;
+}
+
+class MemoryRunsOutInManyLines : public MemoryRunsOut {};
+
+TEST_P(MemoryRunsOutInManyLines, InALoad) {
+    constexpr std::size_t all = 100;  // and more: each slab is among them
+    refuseEach(
+        "load", nothing, [](Scene& scene) { return scene.load(); }, true, all);
+}
+
+INSTANTIATE_TEST_SUITE_P(Made, MemoryRunsOutInManyLines, ::testing::Values(manyLines()),
+                         [](const auto& parameter) { return parameter.param.name; });
 
 TEST_P(MemoryRunsOut, InATracedLoadAndRun) {
     QuietTrace trace;

@@ -105,7 +105,9 @@ class Progress:
 
     def reached(self, number: int) -> None:
         if self.path:
-            self.path.write_text(f"{number}\n")
+            written = self.path.with_name(self.path.name + ".new")
+            written.write_text(f"{number}\n")
+            written.replace(self.path)  # at once: an interruption leaves the old one whole
 
     def ended(self) -> None:
         if self.path:

@@ -53,6 +53,14 @@ TEST_F(SystemMessagePumpTest, HandlesWhatIsWaitingInOnePass) {
     EXPECT_EQ(handledMessages, 10);
 }
 
+TEST_F(SystemMessagePumpTest, HandlesAtMost256MessagesInOnePass) {
+    for (int count = 0; count < 300; ++count) ASSERT_TRUE(PostMessageW(window_, ordinaryMessage, 0, 0));
+    pump_.yield();
+    EXPECT_EQ(handledMessages, 256);
+    pump_.yield();
+    EXPECT_EQ(handledMessages, 300);
+}
+
 TEST_F(SystemMessagePumpTest, LeavesARequestToQuitToTheHost) {
     PostQuitMessage(42);
     pump_.yield();
