@@ -21,6 +21,26 @@ namespace {
 
 volatile sig_atomic_t noted = 0;
 
+void note(int) { noted = 1; }
+
+/// An interruption that came before the read began is followed by others.
+void noteAndExpectAnother(int) {
+    noted = 1;
+    onInterruption(noteAndExpectAnother);
+}
+
+/// What an interruption does is as it was before, in the end.
+class InterruptionAsBefore {
+public:
+    InterruptionAsBefore() { sigaction(SIGINT, nullptr, &before_); }
+    InterruptionAsBefore(const InterruptionAsBefore&) = delete;
+    InterruptionAsBefore& operator=(const InterruptionAsBefore&) = delete;
+    ~InterruptionAsBefore() { sigaction(SIGINT, &before_, nullptr); }
+
+private:
+    struct sigaction before_ = {};
+};
+
 /// A pipe in place of the standard input.
 class PipedInput {
 public:
@@ -56,26 +76,35 @@ TEST(Console, ReadsTheStandardInput) {
 
 TEST(Console, EndsAReadThatIsInterrupted) {
     const PipedInput piped;
-    struct sigaction before = {};
-    sigaction(SIGINT, nullptr, &before);
-    onInterruption([](int) { noted = 1; });
+    const InterruptionAsBefore restored;
+    noted = 0;
+    onInterruption(noteAndExpectAnother);
     std::promise<void> ended;
-    std::thread user([&, reader = pthread_self()] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        pthread_kill(reader, SIGINT);
-        // A read that goes on all the same must not hang the test.
-        if (ended.get_future().wait_for(std::chrono::seconds(2)) != std::future_status::ready) piped.type("late\n");
+    std::thread user([&, reader = pthread_self(), end = ended.get_future()] {
+        constexpr int interruptions = 1000;
+        for (int i = 0; i < interruptions; ++i) {
+            if (end.wait_for(std::chrono::milliseconds(10)) == std::future_status::ready) return;
+            pthread_kill(reader, SIGINT);
+        }
+        piped.type("late\n");  // a read that goes on all the same must not hang the test
     });
     std::string line;
     EXPECT_FALSE(std::getline(standardInput(), line)) << line;
     ended.set_value();
     user.join();
     EXPECT_EQ(noted, 1);
+    standardInput().clear();
+}
+
+TEST(Console, LeavesASecondInterruptionToEndTheProgram) {
+    const InterruptionAsBefore restored;
+    noted = 0;
+    onInterruption(note);
+    raise(SIGINT);
+    EXPECT_EQ(noted, 1);
     struct sigaction after = {};
     sigaction(SIGINT, nullptr, &after);
-    EXPECT_EQ(after.sa_handler, SIG_DFL) << "a second interruption ends the program";
-    sigaction(SIGINT, &before, nullptr);
-    standardInput().clear();
+    EXPECT_EQ(after.sa_handler, SIG_DFL);
 }
 
 TEST(CommandLine, WithoutADecimalMarkTakesTheNumbersOfTheEnvironment) {

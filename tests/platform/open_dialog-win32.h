@@ -81,6 +81,22 @@ private:
     static inline WhileOpen* current_ = nullptr;
 };
 
+/// Tells whether the calling thread has handled messages since, as whoever shows a dialog does until it is closed.
+class UntouchedQueue {
+public:
+    UntouchedQueue() { EXPECT_NE(PostThreadMessageW(GetCurrentThreadId(), mark, 0, 0), FALSE); }
+    UntouchedQueue(const UntouchedQueue&) = delete;
+    UntouchedQueue& operator=(const UntouchedQueue&) = delete;
+    ~UntouchedQueue() {
+        MSG message;
+        EXPECT_NE(PeekMessageW(&message, ofTheThread, mark, mark, PM_REMOVE), FALSE) << "messages have been handled";
+    }
+
+private:
+    static constexpr UINT mark = WM_APP + 77;
+    const HWND ofTheThread = reinterpret_cast<HWND>(INT_PTR{-1});
+};
+
 /// Another process' idea of a desktop: one that nobody sees.
 class UnseenDesktop {
 public:
