@@ -321,7 +321,7 @@ bool clsCommandList::resolveLabels() {
             ++syntaxErrorCount_;
             check_->reportUndefinedLabel(reference, message(item));
         }
-        return !check_->rejected;
+        return false;
     }
     std::int32_t first = 0;
     while (memory.Item(first).ParameterType() != ptUndeclared) ++first;

@@ -745,6 +745,7 @@ TEST_F(InputNumber, NoOperatorNeverLoops) {
                                      u"MsgAsk(\"c\", End)\nInputString(\"d\", S, 5)\nEnd:\nPark()"));
     EXPECT_TRUE(unattended.ExecuteList());
     EXPECT_EQ(unattended.programCounter(), 4) << "the question is answered No, the input fails";
+    EXPECT_EQ(nobody.askInput({}).ending, InputAnswer::Ending::Unavailable);
 }
 
 /// Dialogs that hand out another value on cancel and let the test act while a box is open.

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "engine/text_utilities.h"
+#include "tests/allocation_counter.h"
 #include "tests/support/engine_fixture.h"
 
 namespace corvane {
@@ -744,6 +745,32 @@ TEST_F(ScriptParser, RefusesALoadInsideALoad) {
     owner.onEvent = nullptr;
     EXPECT_TRUE(load(u"VAR C = 3"));
     EXPECT_EQ(memory(), Lines({"C, 2, s3"}));
+}
+
+TEST_F(ScriptParser, ALoadLeavesNothingOfTheScriptBefore) {
+    const auto livingAfterALoad = [&] {
+        EXPECT_TRUE(load(u"CONST Word = \"word\"\nInfo(Word)"));
+        owner.lines = Lines();
+        return test::livingAllocations();
+    };
+    const std::size_t living = livingAfterALoad();
+    EXPECT_EQ(livingAfterALoad(), living);
+}
+
+TEST_F(ScriptParser, ATrappedErrorTracesNoTables) {
+    setDebugOptions(doTables);
+    const auto tablesOf = [this](const std::u16string& script) {
+        Lines lines = traceOf(script);
+        std::erase_if(lines, [](const std::string& line) { return line.front() != '0' + doTables; });
+        return lines;
+    };
+    EXPECT_EQ(tablesOf(u"VAR A = 1\nVAR B = " + tooLarge), Lines());
+    EXPECT_NE(tablesOf(u"VAR A = 1\nnonsense"), Lines()) << "a line that is no statement ends the load otherwise";
+}
+
+TEST_F(ScriptParser, AnEnvironmentVariableMayBearTheNameOfALabelThatIsYetToCome) {
+    EXPECT_TRUE(load(u"Goto(End)\nENV End = far\nEnd:"));
+    EXPECT_EQ(memory(), Lines({"End, 8, l1", "End, 16, \"far\""}));
 }
 
 TEST_F(ScriptParser, ALoadInsideALoadThatTheHostDoesNotCatchIsATrappedFailure) {

@@ -2,6 +2,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "tests/allocation_counter.h"
 #include "tests/support/engine_fixture.h"
 
 namespace corvane {
@@ -922,6 +923,37 @@ TEST_F(LoadDuringRun, AStatementMayExecuteAnotherAndLoadInBetween) {
     };
     EXPECT_TRUE(engine.ExecuteList());
     EXPECT_EQ(owner.lines, Lines({"Park()", "Info(\"a text that is longer than any short text\")", "SaveData()"}));
+}
+
+TEST_F(LoadDuringRun, AStatementThatExecutedAnotherIsStillNamedByItsScript) {
+    testing::RecordingTrace running;
+    engine.setTraceSink(&running);
+    ASSERT_TRUE(load(u"Park()\nInfo(\"a\")"));
+    next = u"TareWeight()\nSaveData()";
+    owner.onEvent = [&](Event& event) {
+        if (event.id() == HostEvent::Info) loadOnce();
+        if (event.id() != HostEvent::Park) return;
+        std::int32_t address = 0;
+        EXPECT_EQ(engine.ExecuteCommand(engine.Command(2), address), crNext);
+        event.succeed(false);
+    };
+    EXPECT_TRUE(engine.ExecuteList());
+    EXPECT_TRUE(std::count(running.lines.begin(), running.lines.end(),
+                           "4 ERROR (ExecuteList) - Command Failed: Address 0 - Park") == 1);
+}
+
+TEST_F(LoadDuringRun, LeavesNothingOfTheOldScriptsBehind) {
+    owner.onEvent = [&](Event& event) {
+        if (event.id() == HostEvent::Park) loadOnce();
+    };
+    const auto livingAfterARun = [&] {
+        runAndLoad(u"Park()\nPark()", u"SaveData()\nSaveData()");
+        owner.lines = Lines();
+        return test::livingAllocations();
+    };
+    const std::size_t living = livingAfterARun();
+    EXPECT_EQ(livingAfterARun(), living);
+    EXPECT_EQ(livingAfterARun(), living);
 }
 
 TEST_F(LoadDuringRun, AnExceptionBehindTheLoadLeavesTheNewScript) {

@@ -59,7 +59,7 @@ TEST(MemoryItem, TakesASingleWhateverItHeldBefore) {
     SlabMemory memory;
     clsDataList list(memory);
     const clsData item = list.AddItem();
-    for (const Value& before : {Value::ofInteger(3), Value::ofText(u"text"), Value::ofSingle(4)}) {
+    for (const Value& before : {Value::ofInteger(3), Value::ofText(u"text"), Value::ofDouble(5), Value::ofSingle(4)}) {
         item.setCurrentValue(before);
         item.setCurrentSingle(2.5F);
         EXPECT_EQ(show(item.CurrentValue()), "s2.5") << show(before);

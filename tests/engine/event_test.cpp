@@ -177,6 +177,11 @@ TEST(Event, AnArgumentThatTheEventDoesNotHaveIsRefusedByName) {
     EXPECT_EQ(refusalOf([&] { static_cast<void>(event.argument("tValue")); }), refusal);
 }
 
+TEST(Event, HasNoArgumentWithoutAName) {
+    const Event event(HostEvent::Park, {});
+    EXPECT_EQ(refusalOf([&] { event.argument(""); }), "event Park, argument : no such argument");
+}
+
 TEST(Event, ArgumentNamesKeepTheirCase) {
     Event event(HostEvent::Park, {});
     EXPECT_THROW(event.answer("tsucess", Value::ofBoolean(true)), std::logic_error);

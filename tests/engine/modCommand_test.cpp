@@ -354,6 +354,7 @@ TEST(IsNumericText, UnderADecimalPointARefusedTextMayBeLeftRewritten) {
                                                      {u",", false, u""},
                                                      {u"-,", false, u"-"},
                                                      {u"+", false, u"+"},
+                                                     {u"1:,", false, u"1:,"},
                                                  });
 }
 
@@ -408,6 +409,7 @@ TEST(IsNumericText, UnderADecimalCommaRefusesWhatIsNoNumber) {
                                                      {u"1 5", false, u"1 5"},
                                                      {u",", false, u","},
                                                      {u"5x", false, u"5x"},
+                                                     {u"1.2.x", false, u"1.2.x"},
                                                  });
 }
 

@@ -133,6 +133,16 @@ TEST(NextPlainNumber, ReadsNothingBehindTheEndOfTheText) {
     }
 }
 
+TEST(NextPlainNumber, FindsNoNumberBehindTheEndOfTheText) {
+    for (const std::u16string_view whole : {u"  5", u"  -5", u"  ,"}) {
+        std::u16string_view text = whole.substr(0, 2);
+        std::u16string_view token;
+        float number = -1;
+        EXPECT_FALSE(NextPlainNumber(text, token, number)) << toUtf8(whole);
+        EXPECT_EQ(text, u"  ");
+    }
+}
+
 TEST(NextPlainNumber, TakesANumberWithItsBlanksAndItsSeparator) {
     const std::vector<NumberCut> cuts = {
         {u"5", u"5", 5, u""},

@@ -93,6 +93,13 @@ TEST(InputRules, WritesTheLengthOfAString) {
     }
 }
 
+TEST(InputRules, ARequestThatNamesNoRangeIsUnlimited) {
+    InputRequest request;
+    EXPECT_EQ(pointRules(request).rangeText(), u"(Please enter a value between: -1000000 and 1000000)");
+    request.kind = String;
+    EXPECT_EQ(pointRules(request).rangeText(), u"(Maximum String Lenght: 1024)");
+}
+
 TEST(InputRules, TakesOnlyTheExactUnlimitedRangeForLengthsWithoutLimit) {
     const InputRules unlimited = pointRules(stringRequest(u"", -1000000, 1000000));
     EXPECT_EQ(unlimited.minimum(), 0);
