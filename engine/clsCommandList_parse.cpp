@@ -148,17 +148,15 @@ bool clsCommandList::load(std::u16string_view text, Check* check) {
     clsDataList& memory = script_->dataMemory;
     finishLoopItem_ = memory.AddItem(finishLoopFlagName, ptEnvironment, Value::ofInteger(0)).position();
 
-    bool trapped = false;
     bool accepted = false;
     try {
         accepted = parseLines(text);
     } catch (const automation_error&) {
-        trapped = true;
+        return false;
     } catch (const std::bad_alloc&) {
         if (check != nullptr) throw;  // an answer without a fault would say nothing
-        trapped = true;
+        return false;
     }
-    if (trapped) return false;
     if (accepted) accepted = resolveLabels();
     if (traceSink_ != nullptr && (debugOptions() & doTables) != 0) {
         const NumberLocale numbers = locale();  // a copy: the sink may call back and have the locale read anew

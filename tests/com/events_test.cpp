@@ -69,11 +69,12 @@ class CallSink final : public Sink {
 public:
     int calls = 0;
 
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID event, REFIID id, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
-                                     EXCEPINFO* exception, UINT* faultyArgument) override {
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID event, REFIID id, LCID locale, WORD flags, DISPPARAMS* arguments,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* faultyArgument) override {
         ++calls;
         const EventRow& row = rowOf(event);
         EXPECT_TRUE(IsEqualIID(id, IID_NULL));
+        EXPECT_EQ(locale, static_cast<LCID>(LOCALE_USER_DEFAULT));
         EXPECT_EQ(flags, DISPATCH_METHOD);
         EXPECT_EQ(arguments->cArgs, row.argumentCount);
         EXPECT_EQ(arguments->cNamedArgs, 0U);

@@ -682,6 +682,8 @@ TEST_F(ScriptParser, ATrappedFailureEndsTheLoadWithoutMessage) {
 TEST_F(ScriptParser, ADeclarationTooLargeKeepsItsNamedItem) {
     EXPECT_FALSE(load(u"VAR X = " + tooLarge));
     EXPECT_EQ(memory(), Lines({"X, 2, i0"}));
+    EXPECT_FALSE(load(u"CONST X = " + tooLarge));
+    EXPECT_EQ(memory(), Lines({"X, 130, i0"}));
 }
 
 TEST_F(ScriptParser, AFailureAfterADuplicateLabelShowsTheDuplicateOnly) {

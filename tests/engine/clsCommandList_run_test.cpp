@@ -686,6 +686,22 @@ TEST_F(RunLoop, OneEngineMayRunInsideARunOfAnother) {
     EXPECT_EQ(owner.lines, Lines({"Park()", "Info(\"inner\")", "Info(\"outer\")"}));
 }
 
+TEST_F(RunLoop, EachStatementIsAskedAboutUnanswered) {
+    class AnsweringOwner final : public EngineOwner {
+    public:
+        std::vector<bool> answeredBefore;
+        void raise(Event& event) override {
+            if (event.id() == HostEvent::FunctionCalled) answeredBefore.push_back(event.succeeded());
+            event.succeed();
+        }
+        void CommandComplete(std::int32_t, std::int32_t) override {}
+    } answering;
+    clsCommandList asking(answering, services);
+    ASSERT_TRUE(asking.CreateCommandList(u"Park()\nPark()\nPark()"));
+    EXPECT_TRUE(asking.ExecuteList());
+    EXPECT_EQ(answering.answeredBefore, (std::vector<bool>{false, false, false}));
+}
+
 // A load within a run
 
 class LoadDuringRun : public RunLoop {

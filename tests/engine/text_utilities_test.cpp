@@ -43,6 +43,13 @@ TEST(SplitAtSeparator, WithoutASeparatorTheWholeTextIsTheToken) {
     expectCuts(u',', {{u"", u"", u""}, {u"a", u"a", u""}, {u"a.b;c", u"a.b;c", u""}, {u"  ", u"", u""}});
 }
 
+TEST(SplitAtSeparator, TrimsNoBlanksBehindTheEndOfTheText) {
+    const std::u16string_view whole = u"     ";
+    std::u16string_view text = whole.substr(1, 2);
+    EXPECT_EQ(SplitAtSeparator(text, u',').size(), 0U);
+    EXPECT_TRUE(text.empty());
+}
+
 TEST(SplitAtSeparator, TrimsBlanksOfTheTokenButNoTabs) {
     expectCuts(u',', {
                          {u"  a b  ,c", u"a b", u"c"},
@@ -166,8 +173,9 @@ TEST(NextPlainNumber, TakesANumberWithItsBlanksAndItsSeparator) {
 }
 
 TEST(NextPlainNumber, LeavesAnythingElseAsItIs) {
-    for (const std::u16string_view whole : {u"", u"   ", u"-", u".", u"-.,1", u"- 5", u"+5", u"5 6", u"5\t,6", u"\t5",
-                                            u"Name", u"\"5\"", u"12345678", u"1e5", u"1.2.3", u",5", u"5;6", u"5)"}) {
+    for (const std::u16string_view whole :
+         {u"",     u"   ",   u"-",        u".",   u"-.,1",  u"- 5", u"+5",  u"5 6", u"5\t,6",    u"\t5",
+          u"Name", u"\"5\"", u"12345678", u"1e5", u"1.2.3", u",5",  u"5;6", u"5)",  u"5\u00016", u"5\uFFFF6"}) {
         std::u16string_view text = whole;
         std::u16string_view token = u"before";
         float number = -1;
