@@ -319,11 +319,11 @@ bool clsCommandList::resolveLabels() {
             ++syntaxErrorCount_;
             check_->reportUndefinedLabel(reference, message(item));
         }
-        return false;
+    } else {
+        std::int32_t first = 0;
+        while (memory.Item(first).ParameterType() != ptUndeclared) ++first;
+        SyntaxError(message(memory.Item(first)));
     }
-    std::int32_t first = 0;
-    while (memory.Item(first).ParameterType() != ptUndeclared) ++first;
-    SyntaxError(message(memory.Item(first)));
     return false;
 }
 

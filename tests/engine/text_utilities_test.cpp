@@ -43,6 +43,13 @@ TEST(SplitAtSeparator, WithoutASeparatorTheWholeTextIsTheToken) {
     expectCuts(u',', {{u"", u"", u""}, {u"a", u"a", u""}, {u"a.b;c", u"a.b;c", u""}, {u"  ", u"", u""}});
 }
 
+TEST(SplitAtSeparator, MindsNoQuoteBehindTheEndOfTheText) {
+    const std::u16string_view whole = u"a\"b\",c";
+    std::u16string_view text = whole.substr(0, 1);
+    EXPECT_EQ(SplitAtSeparator(text, u','), u"a");
+    EXPECT_TRUE(text.empty());
+}
+
 TEST(SplitAtSeparator, TrimsNoBlanksBehindTheEndOfTheText) {
     const std::u16string_view whole = u"     ";
     std::u16string_view text = whole.substr(1, 2);

@@ -93,8 +93,9 @@ TEST(InputRules, WritesTheLengthOfAString) {
     }
 }
 
-TEST(InputRules, ARequestThatNamesNoRangeIsUnlimited) {
+TEST(InputRules, ARequestIsForAnySingleUnlessItSaysOtherwise) {
     InputRequest request;
+    EXPECT_EQ(pointRules(request).question(), u"Please enter a Single:");
     EXPECT_EQ(pointRules(request).rangeText(), u"(Please enter a value between: -1000000 and 1000000)");
     request.kind = String;
     EXPECT_EQ(pointRules(request).rangeText(), u"(Maximum String Lenght: 1024)");
