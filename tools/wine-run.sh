@@ -64,13 +64,19 @@ export WINEPREFIX=$prefix${DISPLAY:+-windows}
     exec 9>"$WINEPREFIX.lock"
     flock 9
     exec </dev/null >/dev/null 2>&1
-    if "$server" -p300 9>&-; then "$wine" wineboot 9>&-; fi
+    started=
+    if "$server" -p300 9>&-; then
+        "$wine" wineboot 9>&-
+        started=yes
+    fi
     if [ -n "$DISPLAY" ] && [ ! -e "$WINEPREFIX.ready" ]; then
         # No window manager is there: Wine draws the frames, and waits for nobody. Its own fonts are those of Windows.
         "$wine" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f 9>&-
         cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || true
         touch "$WINEPREFIX.ready"
     fi
+    # One program alone opens the first window: of two at once, one may find the desktop half made, and gets no windows.
+    if [ -n "$started" ]; then "$wine" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
 ) || true
 
 exec "$wine" "$@"
