@@ -29,7 +29,9 @@ protected:
         RegisterClassW(&description);
         window_ = CreateWindowExW(0, L"message_pump_test", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                   description.hInstance, nullptr);
+        error_ = GetLastError();
     }
+    void SetUp() override { ASSERT_NE(window_, nullptr) << "error " << error_; }
     ~SystemMessagePumpTest() override {
         DestroyWindow(window_);
         MSG message;
@@ -38,6 +40,7 @@ protected:
     }
 
     HWND window_ = nullptr;
+    DWORD error_ = 0;
     SystemMessagePump pump_;
 };
 
@@ -47,7 +50,6 @@ TEST_F(SystemMessagePumpTest, ReturnsWhenNothingIsWaiting) {
 }
 
 TEST_F(SystemMessagePumpTest, HandlesWhatIsWaitingInOnePass) {
-    ASSERT_NE(window_, nullptr);
     for (int count = 0; count < 10; ++count) ASSERT_TRUE(PostMessageW(window_, ordinaryMessage, 0, 0));
     pump_.yield();
     EXPECT_EQ(handledMessages, 10);
