@@ -32,8 +32,8 @@ struct clsCommand::Binding {
         std::u16string_view token() const { return {begin, length}; }
     };
     std::array<Parameter, maximumParameters> parameters;  // a statement pays for none that it does not have
-    std::int32_t count = 0;
-    bool fits = true;  // all types so far
+    std::int32_t count;
+    bool fits;  // all types so far
 };
 
 clsCommand::clsCommand(clsCommandList& owner) : script_(&owner.script()), line_(owner.currentLine()) {}
@@ -153,7 +153,6 @@ clsData clsCommand::bindName(std::u16string_view name, std::int32_t& actualType)
         actualType = item.ParameterType();
         return item;
     }
-    actualType = ptUndeclared;
     return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
 }
 

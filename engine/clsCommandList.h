@@ -267,7 +267,6 @@ private:
     bool ApplyCommandResult(std::int32_t result, std::int32_t target, const clsCommand& command,
                             std::int32_t& programCounter, bool& keepRunning);
     bool advance(StatementResult result, const clsCommand& command, std::int32_t& programCounter);
-    [[noreturn]] static void refuseAddress(std::int32_t address);
     static const clsCommand& commandAt(const LoadedScript& script, std::int32_t address);
     void reportFailure(std::u16string_view introduction, const clsCommand& command, std::int32_t address,
                        std::int32_t result);

@@ -86,7 +86,7 @@ struct clsCommandList::Check {
     FaultListener& listener;
     std::u16string_view line;  // the present one, untrimmed
     std::int32_t lineNumber = 0;
-    std::int32_t faultsOnLine = 0;
+    bool lineIsFaulty = false;
     bool rejected = false;
     std::vector<ForwardReference> forwardReferences;
 
@@ -95,7 +95,7 @@ struct clsCommandList::Check {
     void startLine(std::int32_t number, std::u16string_view text) {
         lineNumber = number;
         line = text;
-        faultsOnLine = 0;
+        lineIsFaulty = false;
     }
     /// Where a stretch of the present line begins; the line's first mark when it is no part of the line.
     std::int32_t columnOf(std::u16string_view where) const {
@@ -106,7 +106,7 @@ struct clsCommandList::Check {
         return static_cast<std::int32_t>(std::min(line.find_first_not_of(u" \t"), line.size()));
     }
     void report(std::u16string_view message, std::u16string_view where, bool rejects = true) {
-        ++faultsOnLine;
+        lineIsFaulty = true;
         rejected = rejected || rejects;
         listener.fault({lineNumber, columnOf(where), message, rejects});
     }
@@ -166,11 +166,10 @@ bool clsCommandList::load(std::u16string_view text, Check* check) {
 }
 
 void clsCommandList::discardScript() {
-    if (scriptUses_ != 0) replacedScripts_.reserve(replacedScripts_.size() + 1);
     auto script = std::make_unique<LoadedScript>(*this, listener_);
+    if (scriptUses_ != 0) replacedScripts_.push_back(std::move(script_));  // or, without memory, all stays as it was
     script.swap(script_);
     finishLoopItem_.reset();
-    if (scriptUses_ != 0) replacedScripts_.push_back(std::move(script));
 }
 
 bool clsCommandList::parseLines(std::u16string_view text) {
@@ -208,7 +207,7 @@ bool clsCommandList::parseLine(std::u16string_view line) {
     if (traceSink_ != nullptr) traceLine(u"Script", line);
     if (parseScriptLine(line)) return true;
     // In a check a line that has said what is wrong with it needs no second message.
-    if (check_ == nullptr || check_->faultsOnLine == 0)
+    if (check_ == nullptr || !check_->lineIsFaulty)
         SyntaxError(std::u16string(u"Invalid input:\r\n\r\n'").append(line).append(u"'"), line);
     return false;
 }

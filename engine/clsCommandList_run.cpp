@@ -129,13 +129,8 @@ bool clsCommandList::ApplyCommandResult(std::int32_t result, std::int32_t target
 
 inline const clsCommand& clsCommandList::commandAt(const LoadedScript& script, std::int32_t address) {
     const auto position = static_cast<std::uint32_t>(address);
-    if (position >= script.statements.size()) refuseAddress(address);
+    if (position >= script.statements.size()) throw automation_error(ErrorNumber::SubscriptOutOfRange);
     return script.statements[position];
-}
-
-void clsCommandList::refuseAddress(std::int32_t address) {
-    addressPlus(address, 1);  // statements are counted from 1, and the counting may overflow
-    throw automation_error(ErrorNumber::SubscriptOutOfRange);
 }
 
 bool clsCommandList::runStatements() {

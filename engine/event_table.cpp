@@ -5,19 +5,19 @@
 namespace corvane {
 namespace {
 
-constexpr EventArgument text(std::string_view name) { return {name, ValueType::Text, true, {}}; }
-constexpr EventArgument single(std::string_view name) { return {name, ValueType::Single, true, {}}; }
-constexpr EventArgument integer(std::string_view name) { return {name, ValueType::Long, true, {}}; }
-constexpr EventArgument boolean(std::string_view name) { return {name, ValueType::Boolean, true, {}}; }
-constexpr EventArgument enumeration(std::string_view name, std::string_view type) {
+consteval EventArgument text(std::string_view name) { return {name, ValueType::Text, true, {}}; }
+consteval EventArgument single(std::string_view name) { return {name, ValueType::Single, true, {}}; }
+consteval EventArgument integer(std::string_view name) { return {name, ValueType::Long, true, {}}; }
+consteval EventArgument boolean(std::string_view name) { return {name, ValueType::Boolean, true, {}}; }
+consteval EventArgument enumeration(std::string_view name, std::string_view type) {
     return {name, ValueType::Long, true, type};
 }
 /// A message box's answer, numbered as the platform numbers it.
-constexpr EventArgument answerCode(std::string_view name) { return enumeration(name, "message-box answer"); }
-constexpr EventArgument object(std::string_view name) {
+consteval EventArgument answerCode(std::string_view name) { return enumeration(name, "message-box answer"); }
+consteval EventArgument object(std::string_view name) {
     return {name, ValueType::Object, true, "clsDataSetParameters"};
 }
-constexpr EventArgument byValue(EventArgument argument) {
+consteval EventArgument byValue(EventArgument argument) {
     argument.byReference = false;
     return argument;
 }

@@ -82,7 +82,7 @@ struct EventRow {
     std::array<EventArgument, maximumEventArguments> arguments;
     std::array<ValueType, maximumEventArguments> types;  ///< those of the arguments, close together
 
-    constexpr EventRow(HostEvent event, std::string_view eventName, enumCommandType kind, std::uint8_t recorded,
+    consteval EventRow(HostEvent event, std::string_view eventName, enumCommandType kind, std::uint8_t recorded,
                        std::initializer_list<EventArgument> list)
         : id(event),
           name(eventName),

@@ -49,35 +49,6 @@ const WrittenCatalogue* presentCatalogue() {
     return somebodyWrote.load(std::memory_order_relaxed) ? writtenCatalogue.get() : nullptr;
 }
 
-/// The published keywords, hashed: a load looks one up for each statement.
-class KeywordTable {
-public:
-    KeywordTable() {
-        for (const StatementRow& row : statementTable) {
-            std::size_t place = hash(row.definition.Name);
-            while (kinds_[place] != ctUnknown) place = (place + 1) % size;
-            kinds_[place] = static_cast<std::uint8_t>(row.kind);
-        }
-    }
-
-    std::int32_t find(std::u16string_view keyword) const {
-        for (std::size_t place = hash(keyword); kinds_[place] != ctUnknown; place = (place + 1) % size)
-            if (equalIgnoringCase(publishedDefinition(kinds_[place]).Name, keyword)) return kinds_[place];
-        return ctUnknown;
-    }
-
-private:
-    static constexpr std::size_t size = 256;
-    // Four marks tell most of the keywords apart; the comparison that follows reads them all.
-    static std::size_t hash(std::u16string_view keyword) {
-        const std::size_t length = keyword.size();
-        return (length * 37 + toLower(keyword.front()) + toLower(keyword[length / 2]) * 5u +
-                toLower(keyword.back()) * 11u) %
-               size;
-    }
-    std::array<std::uint8_t, size> kinds_{};
-};
-
 /// The numeric test for one decimal mark. A mark that is not the locale's is held to strict rules: digits, one mark,
 /// one sign in front or at the very end; the text is then rewritten into the locale's form.
 bool IsNumberWithSeparator(std::u16string& text, char16_t separator, const NumberLocale& locale) {
@@ -143,8 +114,7 @@ std::int32_t FunctionTypeFromName(std::u16string_view keyword) {
         return found == records.end() ? ctUnknown : static_cast<std::int32_t>(found - records.begin());
     }
     if (keyword.empty()) return ctDecEnvironmentVariable;
-    static const KeywordTable keywords;
-    return keywords.find(keyword);
+    return statementKindNamed(keyword);
 }
 
 std::u16string_view CommandNameFromType(std::int32_t kind) {

@@ -5,15 +5,12 @@
 #include "platform/text_case.h"
 
 namespace corvane {
-namespace {
 
-std::uint32_t hashIgnoringCase(std::u16string_view name) noexcept {
+std::uint32_t NameIndex::hashIgnoringCase(std::u16string_view name) noexcept {
     std::uint32_t hash = 2166136261U;  // FNV-1a
     for (const char16_t c : name) hash = (hash ^ toLower(c)) * 16777619U;
     return hash ^ (hash >> 15);
 }
-
-}  // namespace
 
 NameIndex::Entry* NameIndex::lookUp(std::u16string_view name) const noexcept {
     if (table_.empty()) return nullptr;

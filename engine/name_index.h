@@ -17,6 +17,9 @@ namespace corvane {
 /// its owner builds it again.
 class NameIndex {
 public:
+    /// FNV-1a of the units in lower case, its high bits folded into the low ones, which choose the place.
+    static std::uint32_t hashIgnoringCase(std::u16string_view name) noexcept;
+
     static constexpr std::uint32_t none = 0xFFFFFFFF;
 
     /// Whether `typeCode` is one of the codes that the index knows: 1, 2, 4, 8, 16, 130, 132.
@@ -44,7 +47,7 @@ public:
 private:
     static constexpr std::size_t rankCount = 7;
     static constexpr std::array<std::int32_t, rankCount> codes = {1, 2, 4, 8, 16, 130, 132};
-    static constexpr std::int32_t highestCode = codes[rankCount - 1];
+    static constexpr std::uint32_t highestCode = codes[rankCount - 1];
     static constexpr std::array<std::uint8_t, highestCode + 1> ranks = [] {
         std::array<std::uint8_t, highestCode + 1> table{};
         table.fill(rankCount);
@@ -53,12 +56,13 @@ private:
         return table;
     }();
     static std::size_t rank(std::int32_t typeCode) noexcept {
-        return typeCode < 0 || typeCode > highestCode ? rankCount : ranks[static_cast<std::size_t>(typeCode)];
+        const auto code = static_cast<std::uint32_t>(typeCode);
+        return code <= highestCode ? ranks[code] : rankCount;
     }
 
     struct Entry {
         std::u16string_view name;
-        std::uint32_t hash = 0;
+        std::uint32_t hash;
         std::uint8_t several = 0;  ///< a bit for each rank that more than one item has
         std::array<std::uint32_t, rankCount> first;
         Entry(std::u16string_view text, std::uint32_t textHash) : name(text), hash(textHash) { first.fill(none); }

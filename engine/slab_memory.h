@@ -38,16 +38,16 @@ private:
     static constexpr std::size_t growth = 4;
 
     void addSlab() {
-        const std::size_t size = slabs_.empty() ? firstSlab : std::min(lastSize_ * growth, largestSlab);
-        slabs_.push_back(allocateSlab(size));
+        slabs_.push_back(allocateSlab(nextSize_));
         next_ = slabs_.back().get();
-        left_ = lastSize_ = size;
+        left_ = nextSize_;
+        nextSize_ = std::min(nextSize_ * growth, largestSlab);
     }
 
     std::vector<Slab> slabs_;
     std::byte* next_ = nullptr;
     std::size_t left_ = 0;
-    std::size_t lastSize_ = 0;
+    std::size_t nextSize_ = firstSlab;
 };
 
 }  // namespace corvane

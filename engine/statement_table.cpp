@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "engine/clsCommandList.h"
+#include "platform/text_case.h"
 
 namespace corvane {
 namespace {
@@ -17,12 +18,12 @@ constexpr std::int32_t String = ptConstant | ptString;
 constexpr std::int32_t NumberOrString = ptConstant | ptNumber | ptString;
 constexpr std::int32_t Anything = 255;  // reserved slots; the only ones that admit an environment variable
 
-constexpr Execution inside(Execution::Handler handler, enumCommandType calledAs = ctUnknown) {
+consteval Execution inside(Execution::Handler handler, enumCommandType calledAs = ctUnknown) {
     return {handler, calledAs, HostEvent{}, 0, 0.0F};
 }
 
 constexpr std::uint8_t everyArgument = 0xFF;
-constexpr Execution raises(HostEvent event, std::uint8_t passed = everyArgument, float rest = 0.0F) {
+consteval Execution raises(HostEvent event, std::uint8_t passed = everyArgument, float rest = 0.0F) {
     return {[](clsCommandList& engine, const clsCommand& command, bool, const Execution& execution) {
                 return engine.raiseToHost(command, execution);
             },
@@ -207,5 +208,40 @@ consteval bool rowsStandInKindOrder() {
 }
 static_assert(rowsStandInKindOrder(), "rows stand in the order of their kinds, none is left out");
 
+/// The keywords, hashed: a load looks one up for each statement.
+class KeywordTable {
+public:
+    consteval KeywordTable() {
+        for (const StatementRow& row : statementTable) {
+            std::size_t place = hash(row.definition.Name);
+            while (kinds_[place] != ctUnknown) place = (place + 1) % size;
+            kinds_[place] = static_cast<std::uint8_t>(row.kind);
+        }
+    }
+
+    std::int32_t find(std::u16string_view keyword) const {
+        for (std::size_t place = hash(keyword); kinds_[place] != ctUnknown; place = (place + 1) % size)
+            if (equalIgnoringCase(findStatementRow(kinds_[place])->definition.Name, keyword)) return kinds_[place];
+        return ctUnknown;
+    }
+
+private:
+    static constexpr std::size_t size = 256;
+    // Four marks tell most of the keywords apart; the comparison that follows reads them all.
+    static constexpr std::size_t hash(std::u16string_view keyword) {
+        const std::size_t length = keyword.size();
+        return (length * 37 + toLower(keyword.front()) + toLower(keyword[length / 2]) * 5u +
+                toLower(keyword.back()) * 11u) %
+               size;
+    }
+    std::array<std::uint8_t, size> kinds_{};
+};
+constexpr KeywordTable keywords;
+
 }  // namespace
+
+std::int32_t statementKindNamed(std::u16string_view keyword) {
+    return keyword.empty() ? ctUnknown : keywords.find(keyword);
+}
+
 }  // namespace corvane

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <string_view>
 
 #include "engine/event_table.h"
 #include "engine/modCommand.h"
@@ -41,7 +42,7 @@ struct StatementRow {
     FunctionDefinition definition;
     Execution execution;
 
-    constexpr StatementRow(enumCommandType type, std::u16string_view keyword, std::int32_t parameterCount,
+    consteval StatementRow(enumCommandType type, std::u16string_view keyword, std::int32_t parameterCount,
                            std::u16string_view description, std::initializer_list<ParameterDefinition> parameters,
                            Execution how)
         : kind(type), definition{keyword, parameterCount, {}, description}, execution(how) {
@@ -58,6 +59,9 @@ inline const StatementRow* findStatementRow(std::int32_t kind) {
     if (kind < firstStatementKind || kind > lastStatementKind) return nullptr;
     return &statementTable[static_cast<std::size_t>(kind - firstStatementKind)];
 }
+
+/// The kind of the published statement with that keyword, in any case; ctUnknown when there is none.
+std::int32_t statementKindNamed(std::u16string_view keyword);
 
 /// The executions of all rows by themselves: a run reads one of them a statement, and they lie close together.
 extern const std::array<Execution, statementKindCount> executionTable;

@@ -12,7 +12,7 @@ namespace corvane {
 /// The system's lower case of a code unit above U+007F.
 char16_t toLowerBeyondAscii(char16_t unit);
 
-inline char16_t toLower(char16_t unit) {
+constexpr char16_t toLower(char16_t unit) {
     if (unit >= 0x80) return toLowerBeyondAscii(unit);
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
 }

@@ -126,7 +126,8 @@ class Finder:
         if declares and child.kind.is_expression():
             if child.extent.start.offset < parent.location.offset or self.before(child) == b"[":
                 return False  # of the type
-        if child.kind in (CursorKind.VAR_DECL, CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD):
+        if child.kind in (CursorKind.VAR_DECL, CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD,
+                          CursorKind.CONSTRUCTOR):
             specifiers = self.source[child.extent.start.offset:child.location.offset]
             word = b"constexpr" if child.kind == CursorKind.VAR_DECL else b"consteval"
             if child.location.file is not None and child.location.file.name == self.path and word in specifiers:

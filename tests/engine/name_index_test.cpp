@@ -24,6 +24,15 @@ TEST(NameIndex, KnowsTheTypeCodesThatItemsHave) {
         EXPECT_FALSE(NameIndex::knows(code)) << code;
 }
 
+// What FNV-1a is published to give for these texts; a unit below 256 counts as the byte that it is.
+TEST(NameIndex, SpreadsNamesByFnv1a) {
+    const auto folded = [](std::uint32_t published) { return published ^ (published >> 15); };
+    EXPECT_EQ(NameIndex::hashIgnoringCase(u""), folded(0x811C9DC5));
+    EXPECT_EQ(NameIndex::hashIgnoringCase(u"a"), folded(0xE40C292C));
+    EXPECT_EQ(NameIndex::hashIgnoringCase(u"foobar"), folded(0xBF9CF968));
+    EXPECT_EQ(NameIndex::hashIgnoringCase(u"FooBar"), folded(0xBF9CF968));
+}
+
 TEST(NameIndex, FindsNothingWhenEmpty) {
     const NameIndex index;
     EXPECT_EQ(index.find(u"Count", 255), NameIndex::none);
