@@ -863,6 +863,7 @@ TEST_F(InputString, AsksTheOperatorAfterTwoEventsThatNobodyTookOver) {
     EXPECT_EQ(asked.question, "Name?");
     EXPECT_EQ(asked.initialValue, "\"old\"");
     EXPECT_EQ(asked.kind, InputKind::String);
+    EXPECT_EQ(asked.minimum, unlimitedMinimum);
     EXPECT_EQ(asked.maximum, 20.0F);
     EXPECT_TRUE(asked.allowZero);
     EXPECT_EQ(current(u"S"), "\"Ann\"");

@@ -39,6 +39,14 @@ TEST(SlabMemory, FillsASlabBeforeItTakesAnother) {
     EXPECT_TRUE(next < first || next >= first + SlabMemory::firstSlab);
 }
 
+TEST(SlabMemory, TakesASecondSlabFourTimesAsLarge) {
+    SlabMemory memory;
+    memory.allocate<char>(SlabMemory::firstSlab);
+    char* const second = memory.allocate<char>(SlabMemory::firstSlab);
+    for (std::size_t i = 1; i < 4; ++i)
+        EXPECT_EQ(memory.allocate<char>(SlabMemory::firstSlab), second + i * SlabMemory::firstSlab) << i;
+}
+
 TEST(SlabMemory, GivesTheLargestPieceAtAnyTime) {
     SlabMemory memory;
     std::vector<char*> pieces;

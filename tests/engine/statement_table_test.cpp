@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/clsCommandList.h"
+#include "platform/text_case.h"
 #include "platform/utf8.h"
 
 namespace corvane {
@@ -331,6 +332,15 @@ TEST(StatementTable, TheOtherStatementsRunInsideTheEngineByTheirOwnHandlers) {
         EXPECT_TRUE(execution.handler == expected.handler);
     }
     EXPECT_EQ(handled.size() + raisedEvents.size(), statementTable.size());
+}
+
+TEST(StatementTable, NamesAKindByItsKeywordInAnyCase) {
+    for (const StatementRow& row : statementTable) {
+        EXPECT_EQ(statementKindNamed(row.definition.Name), row.kind);
+        EXPECT_EQ(statementKindNamed(toLower(row.definition.Name)), row.kind);
+    }
+    for (const std::u16string_view other : {u"", u"G", u"Gotoo", u"Goto ", u"Declare Variable", u"<unknown>"})
+        EXPECT_EQ(statementKindNamed(other), ctUnknown) << toUtf8(other);
 }
 
 }  // namespace

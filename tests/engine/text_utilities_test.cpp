@@ -148,7 +148,7 @@ TEST(NextPlainNumber, ReadsNothingBehindTheEndOfTheText) {
 }
 
 TEST(NextPlainNumber, FindsNoNumberBehindTheEndOfTheText) {
-    for (const std::u16string_view whole : {u"  5", u"  -5", u"  ,"}) {
+    for (const std::u16string_view whole : {u"  5", u"  -5", u"  -5,", u"   5,", u"  ,"}) {
         std::u16string_view text = whole.substr(0, 2);
         std::u16string_view token;
         float number = -1;
