@@ -704,6 +704,20 @@ TEST_F(EventsOfScripts, EachStatementIsAnnouncedAndFollowedByAQuestion) {
                             "FunctionCalled &19 &True &False", "Info &\"block\" &False", "KeepGoing &False"}));
 }
 
+TEST_F(EventsOfScripts, ATextOfTheSameLengthAsTheLastIsWholeToo) {
+    Lines lines;
+    Sink sink([&](DISPID event, DISPPARAMS& arguments) {
+        if (event == 5) lines.push_back(show(event, arguments));
+        answer(event, arguments);
+        return S_OK;
+    });
+    const Advised advised(*control.get(), sink);
+    ASSERT_TRUE(load(*control.get(), u"Info(\"Fill the vessel\")\r\nInfo(\"Weigh the blade\")\r\nInfo(\"A\")"));
+    EXPECT_EQ(run(*control.get()), (RunResult{S_OK, VARIANT_TRUE}));
+    EXPECT_EQ(lines,
+              (Lines{"Info &\"Fill the vessel\" &False", "Info &\"Weigh the blade\" &False", "Info &\"A\" &False"}));
+}
+
 /// The events of a load and a run in which one event is answered by nobody.
 std::vector<DISPID> eventsWhere(_clsScriptControl& control, const Sink::Handler& handler) {
     std::vector<DISPID> events;
