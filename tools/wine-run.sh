@@ -75,8 +75,19 @@ export WINEPREFIX=$prefix${DISPLAY:+-windows}
         cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts" || true
         touch "$WINEPREFIX.ready"
     fi
-    # One program alone opens the first window: of two at once, one may find the desktop half made, and gets no windows.
-    if [ -n "$started" ]; then "$wine" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
+    # Wine ends the desktop a second after the last program, and of two programs at once that need a new one, one may
+    # find it half made and get no windows. So an idle program stays, for longer than the next one is put in its place,
+    # and another one alone opens the first window.
+    holder=$WINEPREFIX/drive_c/holder
+    if [ -n "$started" ] || [ -z "$(find "$holder" -mmin -5)" ]; then
+        rm -f "$holder"
+        "$wine" cmd /c "echo.>C:\holder & ping -n 600 127.0.0.1" 9>&- &
+        for ((tenths = 0; tenths < 100; ++tenths)); do
+            if [ -e "$holder" ]; then break; fi
+            sleep 0.1
+        done
+        "$wine" rundll32 user32.dll,GetDesktopWindow 9>&-
+    fi
 ) || true
 
 exec "$wine" "$@"
