@@ -77,17 +77,19 @@ export WINEPREFIX=$prefix${DISPLAY:+-windows}
     fi
     # Wine ends the desktop a second after the last program, and of two programs at once that need a new one, one may
     # find it half made and get no windows. So an idle program stays, for longer than the next one is put in its place,
-    # and another one alone opens the first window.
+    # and another one alone opens the first window. Programs with a display run one at a time and begin with a new one.
+    opensFirst=$started
     holder=$WINEPREFIX/drive_c/holder
-    if [ -n "$started" ] || [ -z "$(find "$holder" -mmin -5)" ]; then
+    if [ -z "$DISPLAY" ] && { [ -n "$started" ] || [ -z "$(find "$holder" -mmin -5)" ]; }; then
         rm -f "$holder"
         "$wine" cmd /c "echo.>C:\holder & ping -n 600 127.0.0.1" 9>&- &
         for ((tenths = 0; tenths < 100; ++tenths)); do
             if [ -e "$holder" ]; then break; fi
             sleep 0.1
         done
-        "$wine" rundll32 user32.dll,GetDesktopWindow 9>&-
+        opensFirst=yes
     fi
+    if [ -n "$opensFirst" ]; then "$wine" rundll32 user32.dll,GetDesktopWindow 9>&-; fi
 ) || true
 
 exec "$wine" "$@"
