@@ -153,7 +153,7 @@ clsData clsCommand::bindName(std::u16string_view name, std::int32_t& actualType)
         actualType = item.ParameterType();
         return item;
     }
-    return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));
+    return memory.AddItem(name, ptUndeclared, Value::ofInteger(-1));  // the type stays undeclared, as it came
 }
 
 // What is there to say of types that do not fit. The first failure ends it, unless every fault is wanted.

@@ -205,7 +205,7 @@ class Finder:
                 if child.kind in (CursorKind.UNEXPOSED_EXPR, CursorKind.CALL_EXPR):
                     yield from callees(child)
 
-        return any(child.spelling in ("refuse", "refuseSlot", "refuseAnswer", "refuseAddress")
+        return any(child.spelling in ("refuse", "refuseSlot", "refuseAnswer")
                    for child in callees(call))
 
     def look_at_operator(self, cursor, left, right):
