@@ -158,7 +158,8 @@ clsData clsCommand::bindName(std::u16string_view name, std::int32_t& actualType)
 
 // What is there to say of types that do not fit. The first failure ends it, unless every fault is wanted.
 bool clsCommand::CheckParameterTypes(const Binding& binding) const {
-    const FunctionDefinition& definition = functionDefinition(kind_);
+    // A copy: who is told of a fault may have the catalogue built anew.
+    const FunctionDefinition definition = functionDefinition(kind_);
     bool fits = true;
     for (std::int32_t i = 0; i < definition.ParamCount && (fits || engine().isChecking()); ++i) {
         const auto slot = static_cast<std::size_t>(i);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The accessors of parameters are defined in loaded_script.h, which knows where the items are.
+// `ParamPtr` is defined in loaded_script.h, which knows where the items are.
 
 #include <cstdint>
 #include <span>

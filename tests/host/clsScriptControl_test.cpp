@@ -69,6 +69,34 @@ TEST_F(ScriptControl, EveryCreationBuildsTheCatalogueAnew) {
     EXPECT_EQ(functionDefinition(ctPark).ParamCount, 0);
 }
 
+TEST_F(ScriptControl, TheCatalogueMayBeBuiltAnewWhileAFaultIsTold) {
+    struct Maker final : OperatorDialogs, FaultListener {
+        EngineServices* services = nullptr;
+        int faults = 0;
+        void makeAnother() {
+            ++faults;
+            const clsScriptControl another(*services);
+        }
+        std::optional<std::int32_t> showMessage(const OperatorMessage&) override {
+            makeAnother();
+            return std::nullopt;
+        }
+        InputAnswer askInput(const InputRequest& request) override {
+            return {request.initialValue, InputAnswer::Ending::Unavailable};
+        }
+        void fault(const ScriptFault&) override { makeAnother(); }
+    } maker;
+    EngineServices making{maker, pump, &numbers};
+    maker.services = &making;
+    clsScriptControl made(making);
+    SetFunctionDefinition(ctPark, u"Stop", 0, u"");
+    EXPECT_FALSE(made.LoadScript_FromScript(u"Set(\"text\", nowhere)", u"name", 1, 1));
+    EXPECT_EQ(maker.faults, 1);
+    SetFunctionDefinition(ctPark, u"Stop", 0, u"");
+    EXPECT_FALSE(made.engine().CheckCommandList(u"Set(\"text\", nowhere)", maker));
+    EXPECT_EQ(maker.faults, 3);
+}
+
 TEST_F(ScriptControl, ScriptFromIsInvertedAgainstItsNames) {
     struct Row {
         std::int32_t uid;
