@@ -55,7 +55,7 @@ public:
     std::int32_t ScriptDB_Version() const { return databaseVersion_; }
 
     /// Loads the file named `tScript`; one that does not exist is created, empty. False when the script is rejected.
-    /// File errors (52, 57, 70, 75, 76) pass to the caller, the present script stays.
+    /// File errors (7, 52, 57, 70, 75, 76) pass to the caller, the present script stays.
     bool LoadScript_FromFile(std::u16string_view tScript);
     /// Loads a script that the host holds. False when it is rejected.
     bool LoadScript_FromScript(std::u16string_view tScriptString, std::u16string_view tScriptName, std::int32_t tUID,

@@ -42,7 +42,7 @@ public:
             case HostEvent::KeepGoing:  // asked after every statement; without a yes the run is stopped
                 event.succeed();
                 break;
-            default:  // an event that is not answered fails its statement, and that ends the run
+            default:  // what the instrument is asked to do and does not answer fails, and that ends the run
                 break;
         }
     }

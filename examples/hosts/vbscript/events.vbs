@@ -4,8 +4,8 @@
 '
 ' For Windows only, and not run by the tests: Wine's script host connects no event procedures. The component must be
 ' registered. A procedure for each event that matters bears the event's name behind the prefix; its parameters are
-' those of the event, in order, and those that the event passes by reference carry the answer back. An event without a
-' procedure is left unanswered and fails its statement.
+' those of the event, in order, and those that the event passes by reference carry the answer back. An event of the
+' instrument without a procedure is left unanswered, and its statement fails; questions without one the component asks.
 
 Option Explicit
 
