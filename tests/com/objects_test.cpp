@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "engine/trace.h"
 #include "platform/utf8.h"
 #include "tests/com/editable_items.h"
 #include "tests/com/every_event.h"
@@ -529,6 +530,25 @@ TEST_F(Objects, ModesAreTaken) {
     for (const int options : {0, 1, 2, 4, 7, -1, 0}) {
         LONG mode = options;
         EXPECT_EQ(control->put_DebugMode(cellOf<::enumDebugOptions>(mode)), S_OK);
+    }
+}
+
+TEST_F(Objects, TheDebugModeDecidesWhetherBoundParametersAreTraced) {
+    struct BoundParameters final : TraceSink {
+        int count = 0;
+        void trace(enumDebugOptions, std::u16string_view line) override {
+            if (line.starts_with(u"            Data: ")) ++count;
+        }
+    };
+    const auto control = newControl();
+    for (const int options : {0, 1, 2, -1, 6, 7, 0}) {
+        LONG mode = options;
+        EXPECT_EQ(control->put_DebugMode(cellOf<::enumDebugOptions>(mode)), S_OK);
+        BoundParameters bound;
+        facadeOf(*control.get()).engine().setTraceSink(&bound);
+        EXPECT_TRUE(load(*control.get(), u"Info(\"x\")"));
+        facadeOf(*control.get()).engine().setTraceSink(nullptr);
+        EXPECT_EQ(bound.count, options & 1) << options;
     }
 }
 

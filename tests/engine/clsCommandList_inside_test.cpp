@@ -112,6 +112,19 @@ TEST_F(ExecuteCommandFrame, AnswersOfFunctionCalledDoNotStopAnOrdinaryStatement)
     EXPECT_EQ(current(u"N"), "s2");
 }
 
+TEST_F(ExecuteCommandFrame, AKindThatTheHostWritesIntoFunctionCalledHasNoEffect) {
+    for (const std::int32_t written : {std::int32_t{ctEndTest}, std::int32_t{ctUnknown}, 99}) {
+        owner.lines.clear();
+        owner.recordFunctionCalled = true;
+        owner.onEvent = [&](Event& event) {
+            if (event.id() == HostEvent::FunctionCalled) event.answer("tType", Value::ofLong(written));
+        };
+        EXPECT_EQ(errorOfRun(u"CONST N = 1\nPark()\nInfo(\"x\")"), 0);
+        EXPECT_EQ(owner.lines, (Lines{"ConstantAdded(\"N\", \"1\")", "FunctionCalled(l37, bTrue)", "Park()",
+                                      "FunctionCalled(l19, bTrue)", "Info(\"x\")"}));
+    }
+}
+
 TEST_F(ExecuteCommandFrame, SuccessOfFunctionCalledIsNotThatOfTheStatement) {
     owner.onEvent = [](Event& event) { event.succeed(event.id() == HostEvent::FunctionCalled); };
     EXPECT_TRUE(run(u"Park()\nEndTest()"));
@@ -319,6 +332,17 @@ TEST_F(FinishLoop, DesignedTestFailsWhenTheHostDoesNotSucceed) {
     EXPECT_EQ(owner.lines, (Lines{"TareWeight()", "RequiredFinishLoopFlag(\"Press to finish\")"}));
     EXPECT_EQ(told.lines, (Lines{"CommandStart(0)", "CommandComplete(1, 0)", "CommandStart(1)", "CommandError(1, 1)",
                                  "CommandComplete(2, 1)", "ScriptComplete(True)"}));
+}
+
+TEST_F(FinishLoop, DesignedTestSetsTheAddressWhetherOrNotTheHostSucceeds) {
+    ASSERT_TRUE(designed.CreateCommandList(u"Park()\nPark()\nThere:\nIfNotFinishLoopFlag(\"?\", There)"));
+    designed.DataMemory().InitialiseData();
+    for (const bool succeeds : {true, false}) {
+        owner.onEvent = [&](Event& event) { event.succeed(succeeds); };
+        std::int32_t address = 77;
+        EXPECT_EQ(designed.ExecuteCommand(designed.Command(3), address), succeeds ? crJump : crFailed);
+        EXPECT_EQ(address, 2);
+    }
 }
 
 TEST_F(FinishLoop, DesignedTestOfAFlagThatIsNoTruthValueIsError13) {

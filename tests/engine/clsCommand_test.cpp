@@ -625,6 +625,13 @@ TEST_F(Binding, AParameterListCanBeBoundToTheKindAgain) {
     EXPECT_EQ(slots(), (Strings{"b:2=s0", ":130=s2"}));
 }
 
+TEST_F(Binding, AnotherBindingEmptiesTheSlotsOfTheOneBefore) {
+    EXPECT_EQ(faultOf(u"Set(a, 1)", u"VAR a = 0\nVAR b = 0"), "");
+    EXPECT_FALSE(command->SetParameters(u"b"));
+    EXPECT_EQ(command->ParamPtr(0).Identifier(), u"b");
+    EXPECT_EQ(errorOf([&] { command->ParamPtr(1); }), 91);
+}
+
 TEST_F(Binding, AParameterListForNoKindIsHeldToTheUnknownRecord) {
     clsCommand fresh(engine);
     EXPECT_TRUE(fresh.SetParameters(u""));

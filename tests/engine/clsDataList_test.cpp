@@ -532,7 +532,7 @@ TEST(FindItem, FindsItemsOfUnusualTypes) {
     EXPECT_EQ(lookUp(list, u"x"), "0");
 }
 
-/// The list as it is described: items in a row, walked from the first.
+/// The plain form of the list: items in a row, walked from the first.
 struct PlainList {
     struct Item {
         std::u16string name;
@@ -688,7 +688,12 @@ TEST_F(DataMemory, ARunStartsFromTheDeclaredValues) {
 }
 
 TEST_F(DataMemory, NoStatementAndNoDeclarationMakesAnItemEditable) {
-    ASSERT_TRUE(run(u"VAR Count = 5\nCONST Limit = 2\nENV Who = Ann\nIncrement(Count)\nInfo(\"text\")\nReturn"));
+    dialogs.inputAnswers = {{Value::ofSingle(7), InputAnswer::Ending::Accepted},
+                            {Value::ofText(u"seven"), InputAnswer::Ending::Accepted}};
+    ASSERT_TRUE(
+        run(u"VAR Count = 5\nVAR Word = \"w\"\nCONST Limit = 2\nENV Who = Ann\nIncrement(Count)\nInfo(\"text\")\n"
+            u"InputNumber(\"How many?\", Count, 2, 9)\nInputString(\"Which?\", Word, 20)\nReturn"));
+    ASSERT_EQ(dialogs.inputs.size(), 2U);
     for (std::int32_t i = 0; i < engine.DataMemory().Count(); ++i) {
         const clsData item = engine.DataMemory().Item(i);
         EXPECT_FALSE(item.IsEditable()) << i;

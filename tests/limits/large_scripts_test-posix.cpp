@@ -208,5 +208,16 @@ TEST(LargeScripts, AFileThatMemoryDoesNotSufficeForIsError7) {
     EXPECT_EQ(inLimitedProcess(700, work), "False; ") << "no room for the message";
 }
 
+TEST(LargeScripts, AFileOf1073741823BytesIsTheLargestThatIsRead) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("large.script", "");
+    const auto work = [&] { return ToldControl().loadFile(path).story(); };
+    const std::string error = "error 7: Out of memory: '" + path.string() + "'";
+    std::filesystem::resize_file(path, 1'073'741'823);
+    EXPECT_EQ(inLimitedProcess(100, work), error + "; ") << "only the memory is missing";
+    std::filesystem::resize_file(path, 1'073'741'824);
+    EXPECT_EQ(inLimitedProcess(100, work), error + " is larger than a text can be; ");
+}
+
 }  // namespace
 }  // namespace corvane::testing

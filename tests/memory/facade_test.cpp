@@ -37,6 +37,7 @@ struct Case {
     Answers answers;
     NumberLocale locale = NumberLocale::pointDecimal();
     EngineOptions options;
+    bool isExample = false;  ///< one that is accepted, and runs to its end
 };
 
 void PrintTo(const Case& given, std::ostream* output) { *output << given.name; }
@@ -52,6 +53,7 @@ void addCases(std::vector<Case>& cases, const files::path& folder) {
             if (!answers.empty()) added.answers = readAnswers(answers).answers.value();
             if (way.suffix == ".comma") added.locale = NumberLocale::commaDecimal();
             added.options.designedMemberAccess = way.suffix == ".designed";
+            added.isExample = folder == "examples";
             cases.push_back(std::move(added));
         }
 }
@@ -225,7 +227,7 @@ constexpr std::size_t requestsTried = 30;
 class MemoryRunsOut : public ::testing::TestWithParam<Case> {
 protected:
     /// `prepare` brings the scene to where `work` is done with every request for memory refused in turn. `work` ends in
-    /// what `expected` accepts where a request was refused, and as undisturbed where none was.
+    /// exhausted memory where a request was refused, or answers false where it may, and never so where none was.
     template <typename Prepare, typename Work>
     void refuseEach(const std::string& name, Prepare&& prepare, Work&& work, bool mayAnswerFalse = false,
                     std::size_t mostTried = requestsTried) {
@@ -240,8 +242,10 @@ protected:
                     MemoryFault fault(nth, refused);
                     ending = endingOf([&] { return work(scene); });
                     requests = fault.requests();
-                    if (fault.isReached() && !(mayAnswerFalse && ending == Ending::False)) {
-                        const HostsOwnMemory own;
+                    const HostsOwnMemory own;
+                    if (!fault.isReached()) {
+                        expectUndisturbed(ending);
+                    } else if (!(mayAnswerFalse && ending == Ending::False)) {
                         EXPECT_EQ(ending, Ending::OutOfMemory);
                     }
                 }
@@ -252,6 +256,12 @@ protected:
     }
 
 private:
+    static void expectUndisturbed(Ending ending) {
+        EXPECT_NE(ending, Ending::OutOfMemory);
+        if (GetParam().isExample) {
+            EXPECT_EQ(ending, Ending::True);
+        }
+    }
     static void expectUsable(Scene& scene, const std::string& nextLog) {
         scene.control.engine().setTraceSink(nullptr);
         Scene next(nextScript());

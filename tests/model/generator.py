@@ -428,7 +428,7 @@ class CaseMaker:
         rng = self.rng
         what = rng.random()
         published = EVENTS.get(event, [])
-        arguments = [argument for argument in published if argument.by_reference and argument.name != "tType"]
+        arguments = [argument for argument in published if argument.by_reference]
         if event == "KeepGoing" and what < 0.65:
             return ["answer", "tSucess", "b:0"]  # never true, which would lift the limit
         if arguments and what < 0.3:

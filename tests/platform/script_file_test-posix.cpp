@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <iterator>
 
 #include "platform/code_page.h"
 #include "platform/script_file.h"
@@ -77,6 +78,22 @@ TEST(ScriptFile, ReadsAProgramThatIsRunning) {
     const auto program = std::filesystem::read_symlink("/proc/self/exe");
     EXPECT_EQ(readScriptFile(program.u16string()).size(), std::filesystem::file_size(program))
         << "the system lets nobody write to it";
+}
+
+TEST(ScriptFile, IsClosedAgainHoweverItsReadingEnds) {
+    const auto openFiles = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    };
+    const TemporaryFolder folder;
+    const auto huge = folder.write("huge", "");
+    std::filesystem::resize_file(huge, 0x40000000);
+    const auto before = openFiles();
+    readScriptFile(folder.write("old", "text").u16string());
+    readScriptFile(folder.path("new").u16string());
+    readExistingScriptFile(folder.path("old").u16string());
+    expectAutomationError([&] { readScriptFile(huge.u16string()); }, ErrorNumber::OutOfMemory, "huge'");
+    EXPECT_EQ(openFiles(), before);
 }
 
 TEST(ScriptFile, FollowsALinkThatDoesNotLeadInACircle) {
