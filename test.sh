@@ -134,20 +134,12 @@ lint() {
 }
 
 # What the long steps have passed on; another tree begins anew.
-treeState() {
-    {
-        git rev-parse HEAD
-        git diff HEAD
-        git ls-files -z --others --exclude-standard | xargs -0 -r sha256sum
-    } | sha256sum
-}
-
 longPassed=$logs/long-passed
 isPassed() {
-    [ -n "${CORVANE_LONG:-}" ] && grep -qsxF "$1 $(treeState)" "$longPassed"
+    [ -n "${CORVANE_LONG:-}" ] && grep -qsxF "$1 $(tools/tree-state)" "$longPassed"
 }
 rememberPassed() {
-    if [ -n "${CORVANE_LONG:-}" ]; then echo "$1 $(treeState)" >>"$longPassed"; fi
+    if [ -n "${CORVANE_LONG:-}" ]; then echo "$1 $(tools/tree-state)" >>"$longPassed"; fi
 }
 
 trap stopWine EXIT

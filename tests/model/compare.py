@@ -26,6 +26,7 @@ from generator import make_case
 from minimiser import minimised
 from values import LOCALES
 
+TREE_STATE = Path(__file__).resolve().parents[2] / "tools" / "tree-state"
 CASES_OF_A_BATCH = 250
 SHOWN = 3
 
@@ -96,17 +97,28 @@ class Comparison:
         return "\n".join(lines)
 
 
-class Progress:
-    """How far a long comparison has come, kept in a file so that it can be taken up again."""
+def tree_state() -> str:
+    return subprocess.run([TREE_STATE], stdout=subprocess.PIPE, text=True, check=True).stdout.strip()
 
-    def __init__(self, path: str | None, first: int) -> None:
-        self.path = Path(path) if path else None
-        self.next = int(self.path.read_text()) if self.path and self.path.exists() else first
+
+class Progress:
+    """How far a long comparison has come, kept in a file so that it can be taken up again: the very same one, of the
+    same tree, for another is begun anew."""
+
+    def __init__(self, options: argparse.Namespace) -> None:
+        self.path = Path(options.resume) if options.resume else None
+        self.next = options.first
+        if not self.path:
+            return
+        self.comparison = f"{options.count} from {options.first}, seed {options.seed}, {options.plain}, {tree_state()}"
+        kept = self.path.read_text().splitlines() if self.path.exists() else []
+        if kept[:1] == [self.comparison]:
+            self.next = int(kept[1])
 
     def reached(self, number: int) -> None:
         if self.path:
             written = self.path.with_name(self.path.name + ".new")
-            written.write_text(f"{number}\n")
+            written.write_text(f"{self.comparison}\n{number}\n")
             written.replace(self.path)  # at once: an interruption leaves the old one whole
 
     def ended(self) -> None:
@@ -115,14 +127,13 @@ class Progress:
 
 
 def compare_random(comparison: Comparison, options: argparse.Namespace) -> list[Case]:
-    progress = Progress(options.resume, options.first)
+    progress = Progress(options)
     last = options.first + options.count
     batches = [(at, min(CASES_OF_A_BATCH, last - at)) for at in range(progress.next, last, CASES_OF_A_BATCH)]
     different: list[Case] = []
-    if not batches:
-        return different
     with ProcessPoolExecutor(options.workers) as pool:
-        results = pool.map(comparison.batch, *zip(*[(options.seed, at, count) for at, count in batches]))
+        seeded = [(options.seed, at, count) for at, count in batches]
+        results = pool.map(comparison.batch, *zip(*seeded)) if seeded else []
         for (at, count), found in zip(batches, results):
             different += found
             if different:
