@@ -79,16 +79,19 @@ showLog() {
     if [ "$(wc -l <<<"$lines")" -gt "$linesShown" ]; then echo "    ... the rest is in $1"; fi
 }
 
-# A preset's programs, or one of them.
+# A preset's programs, or those that are named.
 configureAndBuild() {
-    cmake --preset "$1" && cmake --build --preset "$1" ${2:+--target "$2"} -- -k 0
+    local preset=$1
+    shift
+    cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"} -- -k 0
 }
 
-# A preset's tests, or one of them; they count one by one, as GoogleTest counted them.
+# A preset's tests, or those that are named; they count one by one, as GoogleTest counted them.
 runTests() {
     local preset=$1 log=$logs/$1-tests.log start=$EPOCHREALTIME results=build/$1/test-results counts
+    shift
     rm -rf "$results"
-    ctest --preset "$preset" ${2:+--tests-regex "^$2\$"} --timeout "$testSeconds" \
+    ctest --preset "$preset" ${1:+--tests-regex "^($(IFS='|' && echo "$*"))\$"} --timeout "$testSeconds" \
         --output-junit "$PWD/$results/ctest.xml" >"$log" 2>&1
     counts=$(tools/count-tests "$results")
     passed=$((passed + ${counts% *}))
@@ -143,6 +146,7 @@ rememberPassed() {
 }
 
 trap stopWine EXIT
+beginning=$EPOCHREALTIME
 check 'set-up' tools/setup.sh all
 for step in "${steps[@]}"; do
     if isPassed "$step"; then
@@ -165,12 +169,13 @@ for step in "${steps[@]}"; do
             ;;
         coverage) check 'coverage' tools/coverage ;;
         same-build) check 'same-build' tools/same-build ;;
-        native-release) buildAndTest native-release test_limits ;;
+        native-release) buildAndTest native-release test_limits test_platform ;;
         *) buildAndTest "$step" ;;
     esac
     if [ "$failed" = "$failedBefore" ]; then rememberPassed "$step"; fi
 done
 
+report 'all' "$beginning" ''
 echo
 if [ "$failed" != 0 ]; then
     printf 'failed: %s\n' "${failures[@]}"
