@@ -71,11 +71,12 @@ TEST_F(ScriptControl, EveryCreationBuildsTheCatalogueAnew) {
 
 TEST_F(ScriptControl, TheCatalogueMayBeBuiltAnewWhileAFaultIsTold) {
     struct Maker final : OperatorDialogs, FaultListener {
-        EngineServices* services = nullptr;
+        explicit Maker(MessagePump& pump) : services{*this, pump} {}
+        EngineServices services;
         int faults = 0;
         void makeAnother() {
             ++faults;
-            const clsScriptControl another(*services);
+            const clsScriptControl another(services);
         }
         std::optional<std::int32_t> showMessage(const OperatorMessage&) override {
             makeAnother();
@@ -85,10 +86,8 @@ TEST_F(ScriptControl, TheCatalogueMayBeBuiltAnewWhileAFaultIsTold) {
             return {request.initialValue, InputAnswer::Ending::Unavailable};
         }
         void fault(const ScriptFault&) override { makeAnother(); }
-    } maker;
-    EngineServices making{maker, pump, &numbers};
-    maker.services = &making;
-    clsScriptControl made(making);
+    } maker(pump);
+    clsScriptControl made(maker.services);
     SetFunctionDefinition(ctPark, u"Stop", 0, u"");
     EXPECT_FALSE(made.LoadScript_FromScript(u"Set(\"text\", nowhere)", u"name", 1, 1));
     EXPECT_EQ(maker.faults, 1);
