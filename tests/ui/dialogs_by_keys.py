@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 from pathlib import Path
 
@@ -512,37 +513,56 @@ class WithoutDesktop(unittest.TestCase):
 
     LIMIT = 60  # seconds; without an answer a dialog would be there for ever
 
-    def test_the_component_answers_each_dialog(self):
+    def assert_within(self, seconds, attempt):
+        """A busy machine delays one attempt, a dialog that waits delays them all."""
+        taken = []
+        while not taken or taken[-1] >= seconds and len(taken) < 5:
+            taken.append(attempt())
+        self.assertLess(taken[-1], seconds, f"the attempts took {taken} s")
+
+    def test_the_component_answers_each_dialog_within_a_second(self):
         script = ('VAR N = 5\nInfo("start")\nMsgInfo("read")\nInfo("MsgInfo")\nMsgInfoEx("read", "36")\n'
                   'Info("MsgInfoEx")\nMsgAsk("Jump?", There)\nInfo("MsgAsk")\nThere:\n' +
                   NUMBER.format(minimum=1, maximum=10) + "\nPark()\n")
         for run, last in ((script, {"loaded": True, "result": 0, "ran": True}),
                           ("Goto(Nowhere)", {"loaded": False, "result": 0, "ran": False})):
-            process = subprocess.Popen([*emulator, tool, "component", run], env=self.environment(),
-                                       stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-            limit = threading.Timer(self.LIMIT, process.kill)
-            limit.start()
-            told = [json.loads(line) for line in process.stdout]
-            process.communicate()
-            limit.cancel()
-            infos = ["start", "MsgInfo", "MsgInfoEx", "MsgAsk"] if last["loaded"] else []
-            self.assertEqual(told, [*({"info": each} for each in infos), last])
+            def longest_answer():
+                process = subprocess.Popen([*emulator, tool, "component", run], env=self.environment(),
+                                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+                limit = threading.Timer(self.LIMIT, process.kill)
+                limit.start()
+                told = [(time.monotonic(), json.loads(line)) for line in process.stdout]
+                process.communicate()
+                limit.cancel()
+                infos = ["start", "MsgInfo", "MsgInfoEx", "MsgAsk"] if last["loaded"] else []
+                self.assertEqual([each for _, each in told], [*({"info": each} for each in infos), last])
+                return max((after - before for (before, _), (after, _) in zip(told, told[1:])), default=0)
 
-    def test_the_command_answers_everything(self):
+            self.assert_within(1, longest_answer)
+
+    def test_the_command_answers_everything_at_once(self):
         script = ('VAR N = 5\nMsgInfo("read")\nMsgInfoEx("read", "36")\nMsgAsk("Jump?", There)\nInfo("not jumped")\n'
                   "There:\n" + NUMBER.format(minimum=1, maximum=10) + "\nPark()\n")
-        environment = self.environment()
-        with tempfile.NamedTemporaryFile("w", suffix=".script") as file:
-            file.write(script)
-            file.flush()
-            run = subprocess.run([*emulator, corvane, "run", file.name, "--windows", "--log", "jsonl"], env=environment,
-                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=self.LIMIT)
-        log = [json.loads(line) for line in run.stdout.decode().splitlines()]
-        self.assertEqual([each["ending"] for each in log if "dialog" in each], ["nobody there"] * len(
-            [each for each in log if "dialog" in each]))
-        self.assertIn("not jumped", [each["arguments"]["tInfoStr"] for each in log if each.get("event") == "Info"])
-        self.assertEqual(log[-1]["message"],
-                         "statement 5 on line 7 failed: there was no operator to answer InputNumber")
+
+        def whole_run():
+            environment = self.environment()
+            with tempfile.NamedTemporaryFile("w", suffix=".script") as file:
+                file.write(script)
+                file.flush()
+                start = time.monotonic()
+                run = subprocess.run([*emulator, corvane, "run", file.name, "--windows", "--log", "jsonl"],
+                                     env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                     timeout=self.LIMIT)
+                taken = time.monotonic() - start
+            log = [json.loads(line) for line in run.stdout.decode().splitlines()]
+            self.assertEqual([each["ending"] for each in log if "dialog" in each], ["nobody there"] * len(
+                [each for each in log if "dialog" in each]))
+            self.assertIn("not jumped", [each["arguments"]["tInfoStr"] for each in log if each.get("event") == "Info"])
+            self.assertEqual(log[-1]["message"],
+                             "statement 5 on line 7 failed: there was no operator to answer InputNumber")
+            return taken
+
+        self.assert_within(5, whole_run)
 
 
 if __name__ == "__main__":
