@@ -16,7 +16,7 @@ import sys
 import tempfile
 import time
 from concurrent.futures import ProcessPoolExecutor
-from itertools import zip_longest
+from itertools import repeat, zip_longest
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # the tree stays as it is
@@ -129,12 +129,12 @@ class Progress:
 def compare_random(comparison: Comparison, options: argparse.Namespace) -> list[Case]:
     progress = Progress(options)
     last = options.first + options.count
-    batches = [(at, min(CASES_OF_A_BATCH, last - at)) for at in range(progress.next, last, CASES_OF_A_BATCH)]
+    starts = range(progress.next, last, CASES_OF_A_BATCH)
+    counts = [min(CASES_OF_A_BATCH, last - at) for at in starts]
     different: list[Case] = []
     with ProcessPoolExecutor(options.workers) as pool:
-        seeded = [(options.seed, at, count) for at, count in batches]
-        results = pool.map(comparison.batch, *zip(*seeded)) if seeded else []
-        for (at, count), found in zip(batches, results):
+        results = pool.map(comparison.batch, repeat(options.seed), starts, counts)
+        for at, count, found in zip(starts, counts, results):
             different += found
             if different:
                 pool.shutdown(cancel_futures=True)
